@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "shared/Clock.h"
+#include "shared/EntryAddress.h"
+#include "store/DiskStore.h"
+
+#include <QMessageBox>
+#include <QPointer>
+#include <memory>
+#include <vector>
+
+/// The ordered set of open data files. It owns their stores, remembers them in the settings, saves
+/// or discards across all of them, and closes a file that failed.
+///
+/// Indexes are positions in the list; they shift when files come, go or move, which the signals
+/// announce after the change is complete.
+class FileManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Opens the files that the settings list; what can't be opened is reported and skipped.
+    /// \throws const char* when the settings' list is corrupt.
+    FileManager();
+    ~FileManager() override;
+
+    /// The store at \a index; owned by this object, null when there is no such file.
+    DiskStore *getFile(int index) const;
+    int getFileCount() const;
+
+    /// Ask for a path in a dialog and insert the new or existing file at \a index.
+    void createFile(int index);
+    void loadFile(int index);
+    /// Opens \a path at \a index; a failure is shown and changes nothing.
+    void openFile(const QString &path, int index);
+    /// \throws DiskStore::FileException
+    void openFileInner(const QString &path, int index);
+    /// Opens a file named on the command line like one chosen in the open dialog; one that is open
+    /// already is skipped in silence.
+    void openFileFromCommandLine(const QString &path);
+    /// True when a dialog's answer needs no further work: nothing chosen, or open already.
+    bool noFileSelectedOrFileAlreadyOpen(const QString &path);
+    void unloadFile(int index, bool skipPrompt);
+    /// \a toIndex counts in the list without the moved file.
+    void reorderFile(int fromIndex, int toIndex);
+    /// The entries bound to \a key, at most one per file, in file order.
+    QList<EntryAddress> getEntriesByShortcutKey(int key) const;
+    void rewriteLoadedFilesSettingsGroup();
+    void critical(const QString &text, const QString &detailedText);
+
+    /// Saves all files. \return false when one failed; its error is then on its way to the user.
+    bool commitAndRestartTransactions();
+    void rollbackAndRestartTransactions();
+    QMessageBox::StandardButton prompUserToMaybeSaveChanges();
+    /// Asks whether to save when the first unsaved change is more than four hours old.
+    void maybePromptUserToPeriodicallySaveChanges();
+
+    /// When the first unsaved change was made (local time); null when all is saved.
+    QDateTime unsavedSince() const { return m_unsavedSince; }
+    /// Replaces the clock behind the unsaved-since time.
+    void setClock(Clock clock) { m_clock = std::move(clock); }
+
+public slots:
+    void promptUserToMaybeSaveChangesAndExit();
+    /// Handles the oldest error that a store has raised: closes that file and tells the user.
+    void fileError(DiskStore::FileException e);
+    void firstUpdateOfTransaction();
+
+signals:
+    void transactionRollback();
+    void fileUnloaded(int fileIndex);
+    void fileLoaded(int fileIndex);
+    void fileRootBodyChanged();
+    void fileMoved(int fromIndex, int toIndex);
+
+private:
+    struct StoredFile {
+        int number = 0; ///< The key under which the settings hold it.
+        QString path;
+    };
+
+    void migrateSingleFileSetting();
+    QList<StoredFile> readStoredFiles() const;
+    void loadStoredFile(const StoredFile &file);
+    void dropStoredFile(int number);
+    void connectStore(DiskStore *store);
+    void queueError(DiskStore *store, const DiskStore::FileException &e);
+    int indexOf(const DiskStore *store) const;
+    bool isOpen(const QString &path) const;
+    QString askForNewFile();
+    bool makeWayForNewFile(const QString &path);
+    void showInformation(const QString &title, const QString &text);
+
+    std::vector<std::unique_ptr<DiskStore>> m_files;
+    QDateTime m_unsavedSince;
+    Clock m_clock = systemClock();
+    QList<QPointer<DiskStore>> m_failedStores; ///< In the order of their queued fileError() calls.
+};
