@@ -51,8 +51,9 @@ xcb_window_t FrontWindow::active()
     forgetEvents();
     xcb_window_t window = XCB_NONE;
     const auto cookie = xcb_ewmh_get_active_window(&m_ewmh, m_screen);
-    const bool known = xcb_ewmh_get_active_window_reply(&m_ewmh, cookie, &window, nullptr) != 0;
-    return known ? window : XCB_WINDOW_NONE;
+    if (xcb_ewmh_get_active_window_reply(&m_ewmh, cookie, &window, nullptr) == 0)
+        return XCB_WINDOW_NONE;
+    return window;
 }
 
 quint32 FrontWindow::processOf(xcb_window_t window)
