@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "ui/AbstractWindow.h"
 #include "fakes/TestSettings.h"
 #include "shared/Refusal.h"
-#include "ui/AbstractWindow.h"
 
 #include <QtTest>
 
@@ -57,7 +57,6 @@ private slots:
     void correctedPlaceIsStoredOnceTheUserMovesTheWindow();
     void placeThatMeetsAScreenIsLeftAsItIs();
     void refusalReachesTheHook();
-
 };
 
 void AbstractWindowTest::firstRunKeepsTheConstructorsPlaceAndOneMoveStoresIt()

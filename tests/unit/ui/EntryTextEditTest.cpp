@@ -195,12 +195,12 @@ void EntryTextEditTest::ordinaryEditingStaysInTheEditor_data()
     QTest::newRow("capital") << int(Qt::Key_A) << int(Qt::ShiftModifier) << u"A"_s << u"textA"_s;
     QTest::newRow("keypad digit") << int(Qt::Key_7) << int(Qt::KeypadModifier) << u"7"_s
                                   << u"text7"_s;
-    QTest::newRow("AltGr bracket") << int(Qt::Key_BracketLeft) << int(Qt::GroupSwitchModifier)
-                                   << u"["_s << u"text["_s;
+    QTest::newRow("AltGr bracket")
+        << int(Qt::Key_BracketLeft) << int(Qt::GroupSwitchModifier) << u"["_s << u"text["_s;
     QTest::newRow("slash") << int(Qt::Key_Slash) << 0 << u"/"_s << u"text/"_s;
     QTest::newRow("Backspace") << int(Qt::Key_Backspace) << 0 << u"\b"_s << u"tex"_s;
-    QTest::newRow("Ctrl+Backspace") << int(Qt::Key_Backspace) << int(Qt::ControlModifier)
-                                    << u"\b"_s << u""_s;
+    QTest::newRow("Ctrl+Backspace")
+        << int(Qt::Key_Backspace) << int(Qt::ControlModifier) << u"\b"_s << u""_s;
 }
 
 void EntryTextEditTest::ordinaryEditingStaysInTheEditor()

@@ -91,9 +91,10 @@ void HierarchyWindowKeysTest::everyWindowCommandIsReachedByItsCombination_data()
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<int>("command");
-    const auto row = [](const char *name, int key, Qt::KeyboardModifiers modifiers, Command command) {
-        QTest::newRow(name) << key << modifiers.toInt() << static_cast<int>(command);
-    };
+    const auto row
+        = [](const char *name, int key, Qt::KeyboardModifiers modifiers, Command command) {
+              QTest::newRow(name) << key << modifiers.toInt() << static_cast<int>(command);
+          };
     row("Ctrl+H", Qt::Key_H, ctrl, Command::GoToParent);
     row("Ctrl+[", Qt::Key_BracketLeft, ctrl, Command::GoToFirst);
     row("Ctrl+K", Qt::Key_K, ctrl, Command::GoToPrevious);

@@ -15,10 +15,8 @@ QStringList &collectedLines()
 LogLines::LogLines()
 {
     collectedLines().clear();
-    m_previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext &, const QString &text) {
-            collectedLines().append(text);
-        });
+    m_previous = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &,
+                                           const QString &text) { collectedLines().append(text); });
 }
 
 LogLines::~LogLines()
@@ -33,9 +31,8 @@ const QStringList &LogLines::all() const
 
 int LogLines::count(const QString &start) const
 {
-    return static_cast<int>(std::count_if(all().begin(), all().end(), [&](const QString &line) {
-        return line.startsWith(start);
-    }));
+    return static_cast<int>(std::count_if(
+        all().begin(), all().end(), [&](const QString &line) { return line.startsWith(start); }));
 }
 
 RefusalCounter::RefusalCounter(QWidget *window)
@@ -53,9 +50,8 @@ bool RefusalCounter::eventFilter(QObject *, QEvent *event)
 
 UiDesk::UiDesk()
 {
-    window = std::make_unique<HierarchyWindow>(&model, &activation,
-                                               native.getShortcutModifier().toInt(),
-                                               native.getShortcutModifierKey());
+    window = std::make_unique<HierarchyWindow>(
+        &model, &activation, native.getShortcutModifier().toInt(), native.getShortcutModifierKey());
     filter = std::make_unique<AppCommandFilter>(&files, window.get(), &model, &native, &activation);
     refusals = std::make_unique<RefusalCounter>(window.get());
     qApp->installEventFilter(filter.get());
@@ -111,7 +107,8 @@ void UiDesk::press(int key, Qt::KeyboardModifiers modifiers)
 
 void UiDesk::pressRepeated(int key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::sendKeyEvent(QTest::Press, window->windowHandle(), Qt::Key_Control, QString(), modifiers);
+    QTest::sendKeyEvent(QTest::Press, window->windowHandle(), Qt::Key_Control, QString(),
+                        modifiers);
     QKeyEvent event(QEvent::KeyPress, key, modifiers, QString(), true);
     QCoreApplication::sendEvent(window->windowHandle(), &event);
     QTest::sendKeyEvent(QTest::Release, window->windowHandle(), Qt::Key_Control, QString(),
