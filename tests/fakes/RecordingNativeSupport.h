@@ -1,35 +1,47 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/NativeSupport.h"
+#include "platform/PcKeyboardSupport.h"
 
+#include <QList>
+#include <QPointer>
 #include <QStringList>
+#include <QWindow>
 
-/// A desktop that does as it is told: it answers what a test has set and counts what it is asked.
-class RecordingNativeSupport : public NativeSupport
+/// A desktop under the test's control: says what the test tells it and notes what it is asked to
+/// do. Keys are named as on the real one.
+class RecordingNativeSupport : public PcKeyboardSupport
 {
 public:
-    bool front = true; ///< Whether this application is the one in front.
-    int captureCount = 0;
-    int restoreCount = 0;
-    QList<QWindow *> frontRequests;
-    QList<unsigned int> hotkeys;
-
-    bool areWeFrontProcess() override { return front; }
-    void captureFrontProcessForRestore() override { ++captureCount; }
-    void restoreCapturedProcess() override { ++restoreCount; }
-    QString renderKeyCombo(KeyCommandMap::KeyCombo *combo) override
+    bool areWeFrontProcess() override
     {
-        if (!combo)
-            throw "bad";
-        return QString::number(combo->key);
+        ++frontQuestions;
+        return areWeFront;
     }
-    QString getModifierSeparator() override { return QStringLiteral("+"); }
-    Qt::KeyboardModifiers getShortcutModifier() override { return Qt::AltModifier; }
-    int getShortcutModifierKey() override { return Qt::Key_Alt; }
-    QString getShortcutModifierKeySymbol() override { return QStringLiteral("Alt"); }
-    QString getActivationHotkeyPrefix() override { return QStringLiteral("Ctrl+Alt+"); }
-    int getSpaceVirtualKey() override { return 0x20; }
-    void setActivationHotkey(unsigned int virtualKey) override { hotkeys.append(virtualKey); }
+    void captureFrontProcessForRestore() override
+    {
+        ++captures;
+        calls.append(QStringLiteral("capture"));
+    }
+    void restoreCapturedProcess() override
+    {
+        ++restores;
+        calls.append(QStringLiteral("restore"));
+    }
+    void setActivationHotkey(unsigned int virtualKey) override
+    {
+        hotkeys.append(virtualKey);
+        calls.append(QStringLiteral("hotkey"));
+    }
     void requestFront(QWindow *window) override { frontRequests.append(window); }
+
+    void pressHotkey() { emit hotKeyPressed(); }
+
+    bool areWeFront = true; ///< What areWeFrontProcess() answers.
+    int frontQuestions = 0;
+    int captures = 0;
+    int restores = 0;
+    QList<unsigned int> hotkeys; ///< Each registered native key, in order.
+    QList<QPointer<QWindow>> frontRequests;
+    QStringList calls; ///< "capture", "restore" and "hotkey" in the order they came.
 };
