@@ -8,6 +8,15 @@ from dataclasses import dataclass
 from .waiting import stays, wait_for, wait_for_value
 
 
+# What a screen reader hears as the description of a part, and the field of View that it fills.
+_LABELS = {"Parent entry": "parent", "Preceding entry": "preceding", "Following entry": "following",
+           "Shortcut key of the parent entry": "parent_key",
+           "Shortcut key of the current entry": "key",
+           "When the current entry was done": "done_date", "File of the current entry": "file"}
+_STATES = {"Parent entry": "parent_state", "Preceding entry": "preceding_state",
+           "Current entry": "state", "Following entry": "following_state"}
+
+
 @dataclass
 class View:
     """What the main window shows. A text is None when its row is hidden, '' when it is empty."""
@@ -15,6 +24,7 @@ class View:
     title: str
     panel: bool  # the "Open file" and "Create file" buttons stand in the editor's place
     text: str = None
+    has_children: bool = False
     parent: str = None
     preceding: str = None
     following: str = None
@@ -22,7 +32,10 @@ class View:
     parent_key: str = None
     done_date: str = None
     file: str = None
-    state: str = ""
+    parent_state: str = None
+    preceding_state: str = None
+    state: str = None
+    following_state: str = None
 
 
 @dataclass
@@ -39,11 +52,10 @@ class Box:
 class Brindle:
     """Start with start(); end() is safe at any time."""
 
-    def __init__(self, desktop, program, home, arguments=(), env=None):
+    def __init__(self, desktop, program, home, arguments=(), env=None, wrapper=()):
         self.desktop = desktop
         self.home = home
-        self._program = program
-        self._arguments = list(arguments)
+        self._command = [*wrapper, program, *arguments]
         self._env = env or {}
         self.process = None
         self.window = 0
@@ -60,7 +72,7 @@ class Brindle:
                "QT_FORCE_STDERR_LOGGING": "1", "QT_LOGGING_RULES": "brindle.*=true;default.debug=true",
                "QT_MESSAGE_PATTERN": "%{category}: %{message}", **self._env}
         with open(self.log_path, "wb") as log:
-            self.process = self.desktop.run([self._program, *self._arguments], env, stdout=log,
+            self.process = self.desktop.run(self._command, env, stdout=log,
                                             stderr=log, cwd=self.home.folder)
         return self
 
@@ -100,7 +112,9 @@ class Brindle:
                  "the main window in front, with the keyboard", timeout)
 
     def wait_until_hidden(self, timeout=None):
-        wait_for(lambda: not self.is_shown(), "the main window hidden", timeout)
+        # The window manager knows, also while the program is too busy to answer.
+        wait_for(lambda: self.window not in self.desktop.screen.windows(),
+                 "the main window hidden", timeout)
 
     def wait_for_exit(self, timeout=None):
         """Waits until the process has ended and returns its exit code."""
@@ -209,13 +223,24 @@ class Brindle:
         node = self._main_node()
         if node is None:
             return None
-        editor = self._editor(node)
-        labels = [part for part in node.shown() if part.role == "label"]
-        view = View(title=node.name, panel=self.button("Open file") is not None,
-                    text=editor.text if editor else None)
-        _sort_labels(view, labels, self._middle(node, editor))
-        view.state = self._state(node, self._middle(node, editor))
+        view = View(title=node.name, panel=False)
+        for part in node.shown():
+            self._read_part(view, part)
         return view
+
+    @staticmethod
+    def _read_part(view, part):
+        role, name = part.role, part.name
+        if role == "text":
+            view.text = part.text
+        elif role == "push button":
+            view.panel = view.panel or name == "Open file"
+        elif name.startswith("State: "):
+            setattr(view, _STATES[part.description], name.removeprefix("State: "))
+        elif role == "label" and part.description in _LABELS:
+            setattr(view, _LABELS[part.description], name)
+        elif role == "label" and name == "Has children":
+            view.has_children = True
 
     def boxes(self):
         """The message boxes on the screen, oldest first."""
@@ -258,10 +283,10 @@ class Brindle:
                 return node
         return None
 
-    def colour_of_state_bar(self):
-        """The colour of the bar beside the editor."""
-        node = self._main_node()
-        bar = self._state_bar(node, self._middle(node, self._editor(node)))
+    def colour_of_state_bar(self, whose="Current entry"):
+        """The colour of a state bar as it is on the screen."""
+        bar = next(part for part in self._main_node().shown()
+                   if part.name.startswith("State: ") and part.description == whose)
         x, y, width, height = bar.extents
         return self.desktop.screen.colour_at(x + width // 2, y + height // 2)
 
@@ -325,50 +350,6 @@ class Brindle:
             if part.role == "text":
                 return part
         return None
-
-    def _middle(self, node, editor):
-        """The extents of what stands in the middle: the editor, or the panel with the buttons."""
-        if editor:
-            return editor.extents
-        button = self.button("Open file") or node
-        return button.extents
-
-    def _state_bar(self, node, middle):
-        for part in node.shown():
-            x, y, width, height = part.extents
-            if width == 5 and x < middle[0] and y <= middle[1] + 1 and y + height > middle[1] + 5:
-                return part
-        return None
-
-    def _state(self, node, middle):
-        bar = self._state_bar(node, middle)
-        return bar.description if bar else ""
-
-
-def _sort_labels(view, labels, middle):
-    """Tells the labels apart by where they stand around the editor."""
-    left, top, width, height = middle
-    above = sorted((label for label in labels if label.extents[1] < top - 4),
-                   key=lambda label: (label.extents[1], label.extents[0]))
-    below = sorted((label for label in labels if label.extents[1] >= top + height - 4),
-                   key=lambda label: label.extents[1])
-    beside = [label for label in labels if label not in above and label not in below]
-    indented = [label for label in above if label.extents[0] >= left - 4]
-    parent_row = [label for label in above if label.extents[0] < left - 4]
-    if parent_row:
-        row_top = parent_row[0].extents[1]
-        view.parent = parent_row[0].name
-        keys = [label for label in indented if abs(label.extents[1] - row_top) < 8]
-        view.parent_key = keys[0].name if keys else ""
-        indented = [label for label in indented if label not in keys]
-    view.preceding = indented[-1].name if indented else None
-    for label in below:
-        if label.name.startswith("File:"):
-            view.file = label.name
-    plain = [label for label in below if not label.name.startswith("File:")]
-    view.following = plain[-1].name if plain else None
-    view.done_date = plain[0].name if len(plain) > 1 else None
-    view.key = next((label.name for label in beside if label.name), "")
 
 
 def _read_box(node):

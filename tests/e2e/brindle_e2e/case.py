@@ -40,22 +40,22 @@ class BrindleTestCase(unittest.TestCase):
         self._helpers = []
         self.addCleanup(self._clean_up)
 
-    def launch(self, *arguments, env=None, home=None):
+    def launch(self, *arguments, env=None, wrapper=()):
         """Starts the program and returns at once, before anything is on the screen."""
-        brindle = Brindle(self.desktop, PROGRAM, home or self.home, arguments, env)
+        brindle = Brindle(self.desktop, PROGRAM, self.home, arguments, env, wrapper)
         self.programs.append(brindle)
         return brindle.launch()
 
-    def start(self, *arguments, splash="click", env=None, home=None):
+    def start(self, *arguments, splash="click"):
         """Starts the program and waits until its main window has the keyboard."""
-        brindle = self.launch(*arguments, env=env, home=home)
+        brindle = self.launch(*arguments)
         brindle.end_splash(splash)
         brindle.wait_for_main_window()
         return brindle
 
-    def start_with(self, *paths, general=""):
+    def start_with(self, *paths):
         """The same, with these files open."""
-        self.home.remember_files(*paths, general=general)
+        self.home.remember_files(*paths)
         return self.start()
 
     def other_program(self, name="other"):

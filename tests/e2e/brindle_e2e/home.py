@@ -34,10 +34,11 @@ class Home:
         with open(self.settings_path, "w", encoding="utf-8") as file:
             file.write(text)
 
-    def remember_files(self, *paths, general=""):
+    def remember_files(self, *paths, automatic_activation="false"):
         """Settings that open these files at the next start."""
         lines = "".join(f"{index}={path}\n" for index, path in enumerate(paths))
-        self.write_settings(f"[General]\nautomaticactivation=false\n{general}\n[loadfiles]\n{lines}")
+        self.write_settings(f"[General]\nautomaticactivation={automatic_activation}\n"
+                            f"automaticactivationdelay=1\n\n[loadfiles]\n{lines}")
 
     def settings_bytes(self):
         try:
