@@ -113,6 +113,11 @@ class Node:
         self._bus.call(self.owner, self._path, "org.a11y.atspi.Action", "DoAction",
                        GLib.Variant("(i)", (0,)))
 
+    def press_button(self, name):
+        """The same with the button of that name below this node."""
+        next(part for part in self.shown()
+             if part.role == "push button" and part.name.replace("&", "") == name).press()
+
     def shown(self):
         """This node and everything below it that is showing, parents first."""
         if not self.has("showing"):
