@@ -2,6 +2,7 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -12,6 +13,7 @@ from .screen import Screen
 from .waiting import wait_for
 
 _A11Y_LAUNCHERS = ("/usr/libexec/at-spi-bus-launcher", "/usr/lib/at-spi2-core/at-spi-bus-launcher")
+_MODIFIER_CODES = {"ctrl": 37, "shift": 50, "alt": 64, "altgr": 108}
 _INHERITED = ("PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
 
 
@@ -72,9 +74,17 @@ class Desktop:
     # What a user's hands do.
 
     def keys(self, *names):
-        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k')."""
+        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
+
+        One that ends in a key code ('ctrl+61', at least two digits) means the key at that place of
+        the keyboard, whatever the layout makes of it.
+        """
         for name in names:
-            self._xdotool("key", "--delay", "0", name)
+            if re.fullmatch(r"(\w+\+)*\d\d+", name):
+                self.screen.press_codes(*(_MODIFIER_CODES.get(part) or int(part)
+                                          for part in name.split("+")))
+            else:
+                self._xdotool("key", "--delay", "0", name)
 
     def press(self, *names):
         """Presses keys and holds them."""

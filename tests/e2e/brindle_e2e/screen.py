@@ -7,6 +7,8 @@ import zlib
 
 from Xlib import X, Xutil, error
 from Xlib.display import Display
+from Xlib.ext import xtest
+from Xlib.protocol import event as xevent
 
 
 class Screen:
@@ -95,6 +97,15 @@ class Screen:
         focus = self._display.get_input_focus().focus
         return focus.id if hasattr(focus, "id") else int(focus)
 
+    def press_codes(self, *codes):
+        """Presses keys by their place on the keyboard, all together, and lets them go again."""
+        # xdotool would switch the keyboard's group for the time of the press.
+        for code in codes:
+            xtest.fake_input(self._display, X.KeyPress, code)
+        for code in reversed(codes):
+            xtest.fake_input(self._display, X.KeyRelease, code)
+        self._display.sync()
+
     def move_resize(self, window_id, x, y, width, height):
         """Moves a window as a user does, frame and all, through the window manager."""
         flags = 10 | (0xF << 8) | (2 << 12)  # static gravity, all four values, a pager asks
@@ -141,8 +152,7 @@ class Screen:
         return found.value if found else None
 
     def _client_message(self, window_id, name, data):
-        from Xlib.protocol import event
-        message = event.ClientMessage(window=self._window(window_id),
+        message = xevent.ClientMessage(window=self._window(window_id),
                                       client_type=self._display.intern_atom(name), data=(32, data))
         self._root.send_event(message,
                               event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
