@@ -23,6 +23,7 @@ class Desktop:
     def __init__(self, width=1280, height=800, window_manager=("openbox",)):
         self._size = f"{width}x{height}x24"
         self._window_manager = list(window_manager)
+        self.window_manager = None
         self._processes = []
         self.folder = None
         self.env = None
@@ -189,7 +190,7 @@ class Desktop:
 
     def _start_window_manager(self):
         log = open(os.path.join(self.folder, "window-manager.log"), "wb")
-        self.run(self._window_manager, stdout=log, stderr=log)
+        self.window_manager = self.run(self._window_manager, stdout=log, stderr=log)
         log.close()
         wait_for(self.screen.has_window_manager, "the window manager")
 
