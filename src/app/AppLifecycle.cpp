@@ -7,6 +7,7 @@
 #include "model/GlobalKeyMap.h"
 #include "model/HierarchyModel.h"
 #include "platform/NativeSupport.h"
+#include "shared/Maker.h"
 #include "shared/ProgramEnd.h"
 #include "shared/Refusal.h"
 #include "shared/TextGuard.h"
@@ -70,7 +71,7 @@ void AppLifecycle::startup()
 void AppLifecycle::setIdentity()
 {
     QCoreApplication::setOrganizationName(u"Osterlane"_s);
-    QCoreApplication::setOrganizationDomain(QStringLiteral(BRINDLE_MAKER_DOMAIN));
+    QCoreApplication::setOrganizationDomain(QString::fromLatin1(Maker::domain));
     QCoreApplication::setApplicationName(u"Brindle"_s);
     QApplication::setWindowIcon(QIcon(u":/images/brindle.png"_s));
 }
