@@ -25,6 +25,14 @@ xcb_window_t rootOf(xcb_connection_t *connection)
     return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 }
 
+xcb_atom_t activeWindowAtom(xcb_connection_t *connection)
+{
+    constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
+    const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr));
+    return atom ? atom->atom : XCB_ATOM_NONE;
+}
+
 } // namespace
 
 QString XTools::run(const QString &program, const QStringList &arguments)
@@ -76,20 +84,22 @@ quint16 XTools::modifierState()
 
 xcb_window_t XTools::activeWindow()
 {
-    // "_NET_ACTIVE_WINDOW(WINDOW): window id # 0x800003"
-    const QString answer = run(u"xprop"_s, {u"-root"_s, u"_NET_ACTIVE_WINDOW"_s});
-    const QString number = answer.section(u'#', 1).section(u',', 0, 0).trimmed();
-    return number.toUInt(nullptr, 0);
+    xcb_connection_t *connection = QtX11::connection();
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection,
+        xcb_get_property(connection, 0, rootOf(connection), activeWindowAtom(connection),
+                         XCB_ATOM_WINDOW, 0, 1),
+        nullptr));
+    if (!reply || reply->value_len != 1)
+        return 0;
+    return *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
 }
 
 void XTools::claimActiveWindow(xcb_window_t window)
 {
     xcb_connection_t *connection = QtX11::connection();
-    constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
-    const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr));
-    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, rootOf(connection), atom->atom,
-                        XCB_ATOM_WINDOW, 32, 1, &window);
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, rootOf(connection),
+                        activeWindowAtom(connection), XCB_ATOM_WINDOW, 32, 1, &window);
     const XcbReply<xcb_get_input_focus_reply_t> done(xcb_get_input_focus_reply(
         connection, xcb_get_input_focus(connection), nullptr)); // until the server has done it
 }
