@@ -45,17 +45,6 @@ private:
     int m_count = 0;
 };
 
-/// The desktop, with what only windows ask of it.
-class WindowedNativeSupport : public RecordingNativeSupport
-{
-public:
-    QList<QWindow *> askedToFront;
-    int gaveBack = 0;
-
-    void requestFront(QWindow *window) override { askedToFront.append(window); }
-    void restoreCapturedProcess() override { ++gaveBack; }
-};
-
 /// The main window with real model, files and activation behind it, wired as in the program, on
 /// settings and files of its own.
 class UiDesk
@@ -92,7 +81,7 @@ public:
     TestSettings settings;
     FileManager files;
     HierarchyModel model{&files};
-    WindowedNativeSupport native;
+    RecordingNativeSupport native;
     AppActivationSupport activation{&native};
     std::unique_ptr<HierarchyWindow> window;
     std::unique_ptr<AppCommandFilter> filter;
