@@ -144,7 +144,7 @@ void DiskStoreNumberingTest::insertingAtATakenNumberMovesTheTail()
     for (int i = 0; i < 3; ++i)
         addEntry(store, rootId, QString(QChar(u'a' + i)), i);
     const long long id = addEntry(store, rootId, u"new"_s, 1);
-    QCOMPARE(children(store, rootId),
+    QCOMPARE(childTexts(store, rootId),
              (QStringList{u"a@0"_s, u"new@1"_s, u"b@2"_s, u"c@3"_s}));
     QCOMPARE(store.getEntryId(rootId, 1), id);
 }
@@ -156,7 +156,7 @@ void DiskStoreNumberingTest::insertingIntoAGapMovesNobody()
     addEntry(store, rootId, u"a"_s, 0);
     addEntry(store, rootId, u"c"_s, 2);
     addEntry(store, rootId, u"new"_s, 1);
-    QCOMPARE(children(store, rootId), (QStringList{u"a@0"_s, u"new@1"_s, u"c@2"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"a@0"_s, u"new@1"_s, u"c@2"_s}));
 }
 
 void DiskStoreNumberingTest::insertingBehindTheLastMovesNobody()
@@ -166,7 +166,7 @@ void DiskStoreNumberingTest::insertingBehindTheLastMovesNobody()
     for (int i = 0; i < 3; ++i)
         addEntry(store, rootId, QString(QChar(u'a' + i)), i);
     addEntry(store, rootId, u"new"_s, 3);
-    QCOMPARE(children(store, rootId),
+    QCOMPARE(childTexts(store, rootId),
              (QStringList{u"a@0"_s, u"b@1"_s, u"c@2"_s, u"new@3"_s}));
 }
 
@@ -178,7 +178,7 @@ void DiskStoreNumberingTest::insertingMovesTheWholeTailGapsIncluded()
     addEntry(store, rootId, u"b"_s, 4);
     addEntry(store, rootId, u"c"_s, 9);
     addEntry(store, rootId, u"new"_s, 0);
-    QCOMPARE(children(store, rootId),
+    QCOMPARE(childTexts(store, rootId),
              (QStringList{u"new@0"_s, u"a@1"_s, u"b@5"_s, u"c@10"_s}));
 }
 
@@ -191,9 +191,9 @@ void DiskStoreNumberingTest::insertingLeavesOtherParentsAlone()
     addEntry(store, a, u"a0"_s, 0);
     addEntry(store, b, u"b0"_s, 0);
     addEntry(store, a, u"new"_s, 0);
-    QCOMPARE(children(store, a), (QStringList{u"new@0"_s, u"a0@1"_s}));
-    QCOMPARE(children(store, b), QStringList{u"b0@0"_s});
-    QCOMPARE(children(store, rootId), (QStringList{u"a@0"_s, u"b@1"_s}));
+    QCOMPARE(childTexts(store, a), (QStringList{u"new@0"_s, u"a0@1"_s}));
+    QCOMPARE(childTexts(store, b), QStringList{u"b0@0"_s});
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"a@0"_s, u"b@1"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingOneUpSwaps()
@@ -205,7 +205,7 @@ void DiskStoreNumberingTest::relocatingOneUpSwaps()
     const long long r = addEntry(store, rootId, u"R"_s, 2);
     addEntry(store, rootId, u"S"_s, 3);
     store.relocateEntry(r, 1, static_cast<int>(rootId));
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"R@1"_s, u"Q@2"_s, u"S@3"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"R@1"_s, u"Q@2"_s, u"S@3"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingUpOverAGapSwapsToo()
@@ -217,7 +217,7 @@ void DiskStoreNumberingTest::relocatingUpOverAGapSwapsToo()
     const long long r = addEntry(store, rootId, u"R"_s, 5);
     addEntry(store, rootId, u"S"_s, 6);
     store.relocateEntry(r, 1, static_cast<int>(rootId));
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"R@1"_s, u"Q@2"_s, u"S@6"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"R@1"_s, u"Q@2"_s, u"S@6"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingUpOverASiblingShifts()
@@ -229,7 +229,7 @@ void DiskStoreNumberingTest::relocatingUpOverASiblingShifts()
     const long long r = addEntry(store, rootId, u"R"_s, 2);
     addEntry(store, rootId, u"S"_s, 3);
     store.relocateEntry(r, 0, static_cast<int>(rootId));
-    QCOMPARE(children(store, rootId), (QStringList{u"R@0"_s, u"P@1"_s, u"Q@2"_s, u"S@4"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"R@0"_s, u"P@1"_s, u"Q@2"_s, u"S@4"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingDownShifts()
@@ -240,7 +240,7 @@ void DiskStoreNumberingTest::relocatingDownShifts()
     addEntry(store, rootId, u"Q"_s, 1);
     addEntry(store, rootId, u"R"_s, 2);
     store.relocateEntry(p, 2, static_cast<int>(rootId));
-    QCOMPARE(children(store, rootId), (QStringList{u"Q@1"_s, u"P@2"_s, u"R@3"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"Q@1"_s, u"P@2"_s, u"R@3"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingIntoAGapMovesNobodyElse()
@@ -251,7 +251,7 @@ void DiskStoreNumberingTest::relocatingIntoAGapMovesNobodyElse()
     addEntry(store, rootId, u"Q"_s, 1);
     addEntry(store, rootId, u"R"_s, 5);
     store.relocateEntry(p, 3, -2);
-    QCOMPARE(children(store, rootId), (QStringList{u"Q@1"_s, u"P@3"_s, u"R@5"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"Q@1"_s, u"P@3"_s, u"R@5"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingToAnotherParentShiftsThere()
@@ -265,10 +265,10 @@ void DiskStoreNumberingTest::relocatingToAnotherParentShiftsThere()
     // One lower in number, as for a swap; but in another parent there is none.
     const long long r = addEntry(store, rootId, u"R"_s, 2);
     store.relocateEntry(r, 1, static_cast<int>(q));
-    QCOMPARE(children(store, q), (QStringList{u"q0@0"_s, u"R@1"_s, u"q1@2"_s}));
+    QCOMPARE(childTexts(store, q), (QStringList{u"q0@0"_s, u"R@1"_s, u"q1@2"_s}));
     store.relocateEntry(p, 0, static_cast<int>(q));
-    QCOMPARE(children(store, q), (QStringList{u"P@0"_s, u"q0@1"_s, u"R@2"_s, u"q1@3"_s}));
-    QCOMPARE(children(store, rootId), QStringList{u"Q@1"_s});
+    QCOMPARE(childTexts(store, q), (QStringList{u"P@0"_s, u"q0@1"_s, u"R@2"_s, u"q1@3"_s}));
+    QCOMPARE(childTexts(store, rootId), QStringList{u"Q@1"_s});
 }
 
 void DiskStoreNumberingTest::relocatingWithParentMinusTwoKeepsTheParent()
@@ -279,7 +279,7 @@ void DiskStoreNumberingTest::relocatingWithParentMinusTwoKeepsTheParent()
     addEntry(store, p, u"Q"_s, 0);
     const long long r = addEntry(store, p, u"R"_s, 1);
     store.relocateEntry(r, 0, -2);
-    QCOMPARE(children(store, p), (QStringList{u"R@0"_s, u"Q@1"_s}));
+    QCOMPARE(childTexts(store, p), (QStringList{u"R@0"_s, u"Q@1"_s}));
 }
 
 void DiskStoreNumberingTest::relocatingToTheCurrentPlaceWritesNothing()
@@ -293,7 +293,7 @@ void DiskStoreNumberingTest::relocatingToTheCurrentPlaceWritesNothing()
     store.relocateEntry(p, 3, static_cast<int>(rootId));
     store.relocateEntry(p, 3, -2);
     QCOMPARE(updates, 0);
-    QCOMPARE(children(store, rootId), QStringList{u"P@3"_s});
+    QCOMPARE(childTexts(store, rootId), QStringList{u"P@3"_s});
     store.relocateEntry(p, 4, -2);
     QCOMPARE(updates, 1);
 }
@@ -318,7 +318,7 @@ void DiskStoreNumberingTest::relocatingWithoutDeconflictionMovesNobodyElse()
     addEntry(store, rootId, u"P"_s, 0);
     const long long q = addEntry(store, rootId, u"Q"_s, 1);
     store.relocateEntryWithoutDeconfliction(q, 0, static_cast<int>(rootId));
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"Q@0"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"Q@0"_s}));
 }
 
 void DiskStoreNumberingTest::shiftingAFreeNumberDoesNothing()
@@ -328,9 +328,9 @@ void DiskStoreNumberingTest::shiftingAFreeNumberDoesNothing()
     addEntry(store, rootId, u"P"_s, 0);
     addEntry(store, rootId, u"Q"_s, 2);
     store.shiftEntrySequences(rootId, 1);
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"Q@2"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"Q@2"_s}));
     store.shiftEntrySequences(rootId, 2);
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"Q@3"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"Q@3"_s}));
 }
 
 void DiskStoreNumberingTest::deletingAnEntryWithAChildIsRefused()
@@ -344,8 +344,8 @@ void DiskStoreNumberingTest::deletingAnEntryWithAChildIsRefused()
     QObject::connect(&store, &DiskStore::firstUpdateOfTransaction, &store, [&] { ++updates; });
     QVERIFY(!store.deleteEntry(p));
     QCOMPARE(updates, 0);
-    QCOMPARE(children(store, rootId), QStringList{u"P@0"_s});
-    QCOMPARE(children(store, p), QStringList{u"Q@7"_s});
+    QCOMPARE(childTexts(store, rootId), QStringList{u"P@0"_s});
+    QCOMPARE(childTexts(store, p), QStringList{u"Q@7"_s});
     QCOMPARE(rowsInside(store, u"SELECT COUNT(*) FROM entrybody"_s), QStringList{u"3"_s});
 }
 
@@ -357,7 +357,7 @@ void DiskStoreNumberingTest::deletingALeafLeavesAGap()
     const long long q = addEntry(store, rootId, u"Q"_s, 1);
     addEntry(store, rootId, u"R"_s, 2);
     QVERIFY(store.deleteEntry(q));
-    QCOMPARE(children(store, rootId), (QStringList{u"P@0"_s, u"R@2"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"P@0"_s, u"R@2"_s}));
     QCOMPARE(rowsInside(store, u"SELECT COUNT(*) FROM entrybody WHERE docid=%1"_s.arg(q)),
              QStringList{u"0"_s});
     QCOMPARE(rowsInside(store, u"SELECT COUNT(*) FROM entry WHERE id=%1"_s.arg(q)),

@@ -110,8 +110,8 @@ void DiskStoreSchemaTest::versionOneTopLevelEntriesComeUnderOneNewRootInTheirOld
 {
     const TestSettings settings;
     DiskStore store(copyOf(settings, u"Old file 1.bdl"_s));
-    QCOMPARE(children(store, -1), QStringList{u"Oldfile1.bdl@0"_s});
-    QCOMPARE(children(store, rootOf(store)),
+    QCOMPARE(childTexts(store, -1), QStringList{u"Oldfile1.bdl@0"_s});
+    QCOMPARE(childTexts(store, rootOf(store)),
              (QStringList{u"Work@0"_s, u"Home@2"_s, u"Größe – ☃ naïve@5"_s}));
     QCOMPARE(store.getRootExcerpt(), u"Oldfile1.bdl"_s);
 }
@@ -239,7 +239,7 @@ void DiskStoreSchemaTest::siblingsThatShareANumberAreSpreadInTheirOrder()
     // Work, Home and the third one below the root; two of them share number 2.
     QCOMPARE(change(path, {u"UPDATE entry SET sequence=2 WHERE id=7"_s}), QString());
     DiskStore store(path);
-    const QStringList seen = children(store, 20);
+    const QStringList seen = childTexts(store, 20);
     QCOMPARE(seen.size(), 3);
     QCOMPARE(rowsInside(store, u"SELECT COUNT(DISTINCT sequence) FROM entry WHERE parentid=20"_s),
              QStringList{u"3"_s});

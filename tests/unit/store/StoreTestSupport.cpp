@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDirIterator>
 #include <QFile>
+#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlRecord>
 #include <QStandardPaths>
@@ -146,7 +147,7 @@ QStringList StoreTest::rowsInside(const DiskStore &store, const QString &sql)
                            : QStringList{u"failed: "_s + query.lastError().text()};
 }
 
-QStringList StoreTest::children(const DiskStore &store, long long parentId)
+QStringList StoreTest::childTexts(const DiskStore &store, long long parentId)
 {
     return rowsInside(store,
                       u"SELECT content || '@' || sequence FROM entry INNER JOIN entrybody ON "

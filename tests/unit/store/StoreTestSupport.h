@@ -38,7 +38,7 @@ void makeEmptyStore(const QString &path);
 /// The rows of \a sql as the store's own transaction sees them.
 QStringList rowsInside(const DiskStore &store, const QString &sql);
 /// "text@sequence" of the children of \a parentId, in their order, as the store sees them.
-QStringList children(const DiskStore &store, long long parentId);
+QStringList childTexts(const DiskStore &store, long long parentId);
 /// Id of the root entry.
 long long rootOf(DiskStore &store);
 /// Inserts an entry that is not done.
