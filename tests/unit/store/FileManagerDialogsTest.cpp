@@ -139,7 +139,7 @@ void FileManagerDialogsTest::createDialogProposesANameInTheHomeFolder()
     QCOMPARE(user.dialogs.size(), 1);
     const SeenDialog dialog = user.dialogs.first();
     QCOMPARE(dialog.title, u"Create a new file"_s);
-    QCOMPARE(dialog.folder, user.home(QString()).chopped(1));
+    QCOMPARE(dialog.folder, user.home(QString()));
     QCOMPARE(dialog.fileName, u"data.bdl"_s);
     QCOMPARE(dialog.filters, QStringList{filter});
     QCOMPARE(dialog.mode, QFileDialog::AcceptSave);
@@ -283,7 +283,7 @@ void FileManagerDialogsTest::openDialogStartsInTheHomeFolderWithOurFiles()
     QCOMPARE(user.dialogs.size(), 1);
     const SeenDialog dialog = user.dialogs.first();
     QCOMPARE(dialog.title, u"Open an existing file"_s);
-    QCOMPARE(dialog.folder, user.home(QString()).chopped(1));
+    QCOMPARE(dialog.folder, user.home(QString()));
     QCOMPARE(dialog.filters, (QStringList{u"Any file (*)"_s, filter}));
     QCOMPARE(dialog.selectedFilter, filter);
     QCOMPARE(dialog.mode, QFileDialog::AcceptOpen);

@@ -171,15 +171,17 @@ void FileManagerErrorsTest::errorOfAFileClosedMeanwhileClosesNoOther()
 void FileManagerErrorsTest::errorOfAFileClosedAndReopenedMeanwhileClosesNothing()
 {
     const Desk desk(2);
-    const BoxAnswers boxes;
-    // Again and again, so that a new store may well lie where the failed one was.
-    for (int i = 0; i < 20; ++i) {
-        QVERIFY(desk.fail(1));
-        desk.files->unloadFile(1, true);
-        desk.files->openFile(desk.paths[1], 1);
+    {
+        const BoxAnswers boxes;
+        // Again and again, so that a new store may well lie where the failed one was.
+        for (int i = 0; i < 8; ++i) {
+            QVERIFY(desk.fail(1));
+            desk.files->unloadFile(1, true);
+            desk.files->openFile(desk.paths[1], 1);
+        }
+        QTest::qWait(100);
+        QCOMPARE(boxes.texts(), QStringList());
     }
-    QTest::qWait(100);
-    QCOMPARE(boxes.texts(), QStringList());
     QCOMPARE(desk.names(), (QStringList{u"0.bdl"_s, u"1.bdl"_s}));
     // The new one's own error counts.
     const BoxAnswers again({QMessageBox::Ok});

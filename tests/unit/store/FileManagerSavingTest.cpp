@@ -70,6 +70,7 @@ class FileManagerSavingTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void firstChangeStartsTheUnsavedTimeAndLaterOnesLeaveIt();
     void changeInAnotherFileLeavesTheUnsavedTime();
     void savingWritesAllFilesAndEndsTheUnsavedTime();
@@ -100,6 +101,12 @@ private slots:
     void closingTheReminderPostponesItToo();
     void reminderCountsFromTheMomentOfTheAnswer();
 };
+
+void FileManagerSavingTest::initTestCase()
+{
+    // A closed prompt is no reason to quit; here it is the only window there is.
+    QApplication::setQuitOnLastWindowClosed(false);
+}
 
 void FileManagerSavingTest::firstChangeStartsTheUnsavedTimeAndLaterOnesLeaveIt()
 {

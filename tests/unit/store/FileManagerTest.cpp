@@ -235,7 +235,7 @@ void FileManagerTest::twoSpellingsOfAPathOpenTheFileOnceWithoutAMessage()
     const QString path = makeFiles(settings, {u"a.bdl"_s}).first();
     const QString other = settings.filePath(u"link.bdl"_s);
     QVERIFY(QFile::link(path, other));
-    store({{u"0"_s, path}, {u"1"_s, other}, {u"2"_s, settings.filePath(QString()) + u"/a.bdl"_s}});
+    store({{u"0"_s, path}, {u"1"_s, other}, {u"2"_s, settings.filePath(QString()) + u"//a.bdl"_s}});
     const BoxAnswers boxes;
     const FileManager files;
     QCOMPARE(names(files), QStringList{u"a.bdl"_s});
@@ -597,7 +597,7 @@ void FileManagerTest::alreadyOpenFileIsKnownUnderEverySpelling()
     QVERIFY(QFile::link(path, settings.filePath(u"link.bdl"_s)));
     QCOMPARE(link(qPrintable(path), qPrintable(settings.filePath(u"hard.bdl"_s))), 0);
     for (const QString &spelling :
-         {path, settings.filePath(QString()) + u"/a.bdl"_s, settings.filePath(u"./a.bdl"_s),
+         {path, settings.filePath(QString()) + u"//a.bdl"_s, settings.filePath(u"./a.bdl"_s),
           QDir::current().relativeFilePath(path), settings.filePath(u"link.bdl"_s),
           settings.filePath(u"hard.bdl"_s)}) {
         const BoxAnswers boxes({QMessageBox::Ok});
