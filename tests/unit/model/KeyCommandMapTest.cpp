@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "model/GlobalKeyMap.h"
 #include "model/KeyCommandMap.h"
+#include "model/GlobalKeyMap.h"
 
 #include <QTest>
 #include <set>
@@ -108,8 +108,8 @@ void KeyCommandMapTest::binding()
     QCOMPARE(map.getCommand(flags(expected.modifiers | keypad), expected.key), command);
 
     const KeyCommandMap::KeyCombo *const shown = map.getPreferredKeyCombo(command);
-    const bool isShown = shown && shown->modifiers == flags(expected.modifiers)
-        && shown->key == expected.key;
+    const bool isShown
+        = shown && shown->modifiers == flags(expected.modifiers) && shown->key == expected.key;
     QCOMPARE(isShown, expected.preferred);
     const QString name = QString::fromLatin1(expected.name);
     if (!name.isEmpty())

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QTest>
@@ -75,7 +75,8 @@ void DiskStoreDatesTest::dateIsStoredInUtcWithoutFractionsAndZone_data()
         << QDateTime(QDate(2026, 1, 1), QTime(0, 30, 5)) << u"2025-12-31T23:30:05"_s;
     QTest::newRow("local summer time")
         << QDateTime(QDate(2026, 7, 1), QTime(0, 30, 5)) << u"2026-06-30T22:30:05"_s;
-    QTest::newRow("offset") << QDateTime(QDate(2026, 7, 1), QTime(1, 2, 3), Qt::OffsetFromUTC, 19800)
+    QTest::newRow("offset") << QDateTime(QDate(2026, 7, 1), QTime(1, 2, 3), Qt::OffsetFromUTC,
+                                         19800)
                             << u"2026-06-30T19:32:03"_s;
     QTest::newRow("zone") << QDateTime(QDate(2026, 7, 1), QTime(1, 2, 3),
                                        QTimeZone("America/New_York"))
@@ -116,16 +117,16 @@ void DiskStoreDatesTest::dateIsReadFromEveryForm_data()
     QTest::newRow("older form") << u"2011-05-06T07:08:09"_s << utc(u"2011-05-06T07:08:09"_s);
     QTest::newRow("newer driver's form")
         << u"2026-11-21T04:02:26.374Z"_s << utc(u"2026-11-21T04:02:26.374"_s);
-    QTest::newRow("with fractions") << u"2026-11-21T04:02:26.374"_s
-                                    << utc(u"2026-11-21T04:02:26.374"_s);
-    QTest::newRow("with zone mark only") << u"2026-11-21T04:02:26Z"_s
-                                         << utc(u"2026-11-21T04:02:26"_s);
+    QTest::newRow("with fractions")
+        << u"2026-11-21T04:02:26.374"_s << utc(u"2026-11-21T04:02:26.374"_s);
+    QTest::newRow("with zone mark only")
+        << u"2026-11-21T04:02:26Z"_s << utc(u"2026-11-21T04:02:26"_s);
     QTest::newRow("time that daylight saving skips here")
         << u"2026-03-29T02:30:00"_s << utc(u"2026-03-29T02:30:00"_s);
     QTest::newRow("the same in the newer form")
         << u"2026-03-29T02:30:00.000Z"_s << utc(u"2026-03-29T02:30:00"_s);
-    QTest::newRow("time that comes twice here") << u"2026-10-25T02:30:00"_s
-                                                << utc(u"2026-10-25T02:30:00"_s);
+    QTest::newRow("time that comes twice here")
+        << u"2026-10-25T02:30:00"_s << utc(u"2026-10-25T02:30:00"_s);
     QTest::newRow("midnight") << u"2026-01-01T00:00:00"_s << utc(u"2026-01-01T00:00:00"_s);
     QTest::newRow("no date at all") << u"soon"_s << QDateTime();
 }
@@ -211,8 +212,9 @@ void DiskStoreDatesTest::rangeBoundsMayBeLocalTimes()
     const QDate localDay(2026, 7, 2);
     QCOMPARE(doneBetween(store, QDateTime(localDay, QTime(0, 0)), QDateTime(localDay, QTime(1, 0))),
              QList<long long>{id});
-    QCOMPARE(doneBetween(store, QDateTime(localDay, QTime(0, 31)), QDateTime(localDay, QTime(9, 0))),
-             QList<long long>());
+    QCOMPARE(
+        doneBetween(store, QDateTime(localDay, QTime(0, 31)), QDateTime(localDay, QTime(9, 0))),
+        QList<long long>());
 }
 
 void DiskStoreDatesTest::rangeWithoutResultIsEmpty()

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QSignalSpy>
@@ -120,8 +120,7 @@ void DiskStoreLockTest::lockedFileGivesAnErrorAndStaysAsItWas()
         const auto e = openingError(path);
         QVERIFY(e);
         QCOMPARE(e->message, u"There was an error accessing file a.bdl."_s);
-        QCOMPARE(detail(*e, u"operation"_s),
-                 u"checking for existence of 'meta' table (1)"_s);
+        QCOMPARE(detail(*e, u"operation"_s), u"checking for existence of 'meta' table (1)"_s);
         QCOMPARE(e->details.count(u'\n'), 6);
     }
     QCOMPARE(bytes(path), before);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QTest>
@@ -144,8 +144,7 @@ void DiskStoreNumberingTest::insertingAtATakenNumberMovesTheTail()
     for (int i = 0; i < 3; ++i)
         addEntry(store, rootId, QString(QChar(u'a' + i)), i);
     const long long id = addEntry(store, rootId, u"new"_s, 1);
-    QCOMPARE(childTexts(store, rootId),
-             (QStringList{u"a@0"_s, u"new@1"_s, u"b@2"_s, u"c@3"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"a@0"_s, u"new@1"_s, u"b@2"_s, u"c@3"_s}));
     QCOMPARE(store.getEntryId(rootId, 1), id);
 }
 
@@ -166,8 +165,7 @@ void DiskStoreNumberingTest::insertingBehindTheLastMovesNobody()
     for (int i = 0; i < 3; ++i)
         addEntry(store, rootId, QString(QChar(u'a' + i)), i);
     addEntry(store, rootId, u"new"_s, 3);
-    QCOMPARE(childTexts(store, rootId),
-             (QStringList{u"a@0"_s, u"b@1"_s, u"c@2"_s, u"new@3"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"a@0"_s, u"b@1"_s, u"c@2"_s, u"new@3"_s}));
 }
 
 void DiskStoreNumberingTest::insertingMovesTheWholeTailGapsIncluded()
@@ -178,8 +176,7 @@ void DiskStoreNumberingTest::insertingMovesTheWholeTailGapsIncluded()
     addEntry(store, rootId, u"b"_s, 4);
     addEntry(store, rootId, u"c"_s, 9);
     addEntry(store, rootId, u"new"_s, 0);
-    QCOMPARE(childTexts(store, rootId),
-             (QStringList{u"new@0"_s, u"a@1"_s, u"b@5"_s, u"c@10"_s}));
+    QCOMPARE(childTexts(store, rootId), (QStringList{u"new@0"_s, u"a@1"_s, u"b@5"_s, u"c@10"_s}));
 }
 
 void DiskStoreNumberingTest::insertingLeavesOtherParentsAlone()
@@ -371,15 +368,15 @@ void DiskStoreNumberingTest::entryIsFoundByItsPlaceRightAfterInserting()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     makeEmptyStore(path);
-    QCOMPARE(change(path,
-                    {u"CREATE TRIGGER t AFTER INSERT ON entry WHEN new.sequence=5 BEGIN DELETE FROM "
-                     "entry WHERE id=new.id; END"_s}),
-             QString());
+    QCOMPARE(
+        change(path,
+               {u"CREATE TRIGGER t AFTER INSERT ON entry WHEN new.sequence=5 BEGIN DELETE FROM "
+                "entry WHERE id=new.id; END"_s}),
+        QString());
     DiskStore store(path);
     const auto e = fileError([&store] { addEntry(store, rootId, u"x"_s, 5); });
     QVERIFY(e);
-    QCOMPARE(e->message,
-             u"There was an error: entry not found immediately after inserting it."_s);
+    QCOMPARE(e->message, u"There was an error: entry not found immediately after inserting it."_s);
     QCOMPARE(e->details, path);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QTest>
@@ -101,8 +101,8 @@ void DiskStoreQueriesTest::entryInfoSkipsOutputsThatAreNull()
     const TestSettings settings;
     DiskStore store(settings.filePath(u"a.bdl"_s));
     int sequence = -5;
-    QVERIFY(store.getEntryInfo(rootId, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr));
+    QVERIFY(
+        store.getEntryInfo(rootId, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     QVERIFY(store.getEntryInfo(rootId, nullptr, &sequence, nullptr, nullptr, nullptr, nullptr,
                                nullptr));
     QCOMPARE(sequence, 0);
@@ -150,12 +150,12 @@ void DiskStoreQueriesTest::hasChildrenCountsChildrenWithAnyNumber()
     DiskStore store(settings.filePath(u"a.bdl"_s));
     const long long id = addEntry(store, rootId, u"a"_s, 0);
     bool hasChildren = true;
-    QVERIFY(store.getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, &hasChildren, nullptr,
-                               nullptr));
+    QVERIFY(
+        store.getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, &hasChildren, nullptr, nullptr));
     QVERIFY(!hasChildren);
     addEntry(store, id, u"far"_s, 2147483000);
-    QVERIFY(store.getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, &hasChildren, nullptr,
-                               nullptr));
+    QVERIFY(
+        store.getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, &hasChildren, nullptr, nullptr));
     QVERIFY(hasChildren);
 }
 
@@ -271,7 +271,8 @@ void DiskStoreQueriesTest::bodyIsReplacedAndFoundByItsNewWords()
     QCOMPARE(searchResults(store, u"before"_s), QStringList());
     QCOMPARE(searchResults(store, u"after"_s), QStringList{u"%1 -1 {after}"_s.arg(id)});
     // The older column for texts stays empty.
-    QCOMPARE(rowsInside(store, u"SELECT body FROM entry WHERE id=%1"_s.arg(id)), QStringList{QString(u""_s)});
+    QCOMPARE(rowsInside(store, u"SELECT body FROM entry WHERE id=%1"_s.arg(id)),
+             QStringList{QString(u""_s)});
 }
 
 void DiskStoreQueriesTest::bodyOfTheRootAnnouncesItself()
@@ -295,15 +296,16 @@ void DiskStoreQueriesTest::emptyAndUnusualTextsComeBackAsTheyWere()
           u"NBSP\u00A0 and \u2028 and \U0001F600"_s, QString(20000, u'x')}) {
         store.updateEntryBody(id, text, false);
         QString body = u"none"_s;
-        QVERIFY(store.getEntryInfo(id, &body, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                   nullptr));
+        QVERIFY(
+            store.getEntryInfo(id, &body, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
         QCOMPARE(body, text.isNull() ? u""_s : text);
-        QCOMPARE(rowsInside(store, u"SELECT content IS NULL FROM entrybody WHERE docid=%1"_s.arg(id)),
-                 QStringList{u"0"_s});
+        QCOMPARE(
+            rowsInside(store, u"SELECT content IS NULL FROM entrybody WHERE docid=%1"_s.arg(id)),
+            QStringList{u"0"_s});
     }
     const long long second = addEntry(store, rootId, QString(), 1);
-    QVERIFY(store.getEntryInfo(second, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                               nullptr));
+    QVERIFY(
+        store.getEntryInfo(second, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
 }
 
 void DiskStoreQueriesTest::stateIsWrittenWithTheDateAsGiven()
@@ -409,7 +411,8 @@ void DiskStoreQueriesTest::relocatingUnderAnEntryOfALargeIdKeepsTheParent()
     // The parent's id does not fit the argument: either it moves in place or it is refused, but it
     // never ends below a stranger.
     const auto e = fileError([&] { store.relocateEntry(a, 1, -2); });
-    const QStringList parents = rowsInside(store, u"SELECT DISTINCT parentid FROM entry WHERE id>%1"_s.arg(large));
+    const QStringList parents
+        = rowsInside(store, u"SELECT DISTINCT parentid FROM entry WHERE id>%1"_s.arg(large));
     if (!e)
         QCOMPARE(childTexts(store, large), (QStringList{u"a@1"_s, u"b@2"_s}));
     else

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QDir>
@@ -167,7 +167,8 @@ void DiskStoreRefusalTest::readOnlyFolderIsRefused()
         QVERIFY(user.isOrdinary());
         QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
         const auto e = openingError(path);
-        QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QVERIFY(
+            QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QVERIFY(e);
         compareWithSevenLines(*e, u"adding 'todolistseq'' column to entry table"_s, path);
     }
@@ -199,15 +200,12 @@ void DiskStoreRefusalTest::failingSetUpNamesItsOperation_data()
     row(one, u"CREATE TABLE entrybody (x)"_s, u"creating entrybody virtual (fts3) table"_s);
     row(one, u"ALTER TABLE entry RENAME COLUMN body TO text"_s,
         u"moving existing bodies from entry to entrybody"_s);
-    row(one,
-        u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
+    row(one, u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
         u"clearing bodies from entry after moving them to entrybody"_s);
-    row(two,
-        u"CREATE TRIGGER t BEFORE INSERT ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
+    row(two, u"CREATE TRIGGER t BEFORE INSERT ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
         u"inserting new root entry into entry"_s);
     row(two, u"DROP TABLE entrybody"_s, u"inserting new root entry into entrybody"_s);
-    row(two,
-        u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
+    row(two, u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(ABORT, 'refused'); END"_s,
         u"reparenting previous root entries to new root"_s);
     row(three, u"ALTER TABLE entry ADD COLUMN todolistseq INTEGER"_s,
         u"adding 'todolistseq'' column to entry table"_s);
@@ -248,8 +246,8 @@ void DiskStoreRefusalTest::refusedFileCanBeOpenedOnceItIsRepaired()
     QCOMPARE(change(path, {u"CREATE TABLE entrytodolistseqidx (x)"_s}), QString());
     QVERIFY(openingError(path));
     // Were the half-opened connection still there, this would find the file locked.
-    const OtherProcess other(path, {u"BEGIN EXCLUSIVE"_s, u"DROP TABLE entrytodolistseqidx"_s,
-                                    u"COMMIT"_s});
+    const OtherProcess other(
+        path, {u"BEGIN EXCLUSIVE"_s, u"DROP TABLE entrytodolistseqidx"_s, u"COMMIT"_s});
     QVERIFY(other.isHolding());
     QVERIFY(!openingError(path));
 }

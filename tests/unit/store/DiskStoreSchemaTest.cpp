@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QDir>
@@ -80,8 +80,8 @@ void DiskStoreSchemaTest::newFileCanBeWorkedWithAtOnce()
     EntryState rootState = EntryState::None;
     QVERIFY(store.getEntryInfo(id, &body, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     QCOMPARE(body, u"first"_s);
-    QVERIFY(store.getEntryInfo(root, &body, nullptr, &rootState, nullptr, nullptr, nullptr,
-                               nullptr));
+    QVERIFY(
+        store.getEntryInfo(root, &body, nullptr, &rootState, nullptr, nullptr, nullptr, nullptr));
     QCOMPARE(body, u"a.bdl"_s);
     QCOMPARE(rootState, EntryState::Category);
 }
@@ -125,8 +125,9 @@ void DiskStoreSchemaTest::versionThreeToDoOrderIsKeptAndUnlistedEntriesHaveNone(
     for (const DiskStore::EntryInfo &info : *todos)
         seen << u"%1 %2 %3"_s.arg(QString::number(info.id), QString::number(info.sequence),
                                   info.body);
-    QCOMPARE(seen, (QStringList{u"4 0 Write the report"_s, u"7 1 Größe – ☃ naïve"_s,
-                                u"6 4 Line one\nline two"_s, u"1 11 Home"_s}));
+    QCOMPARE(seen,
+             (QStringList{u"4 0 Write the report"_s, u"7 1 Größe – ☃ naïve"_s,
+                          u"6 4 Line one\nline two"_s, u"1 11 Home"_s}));
     QCOMPARE(rowsInside(store, u"SELECT COUNT(*) FROM entry WHERE todolistseq IS NULL"_s),
              QStringList{u"6"_s});
 }
@@ -188,8 +189,8 @@ void DiskStoreSchemaTest::rootTextIsTheFileNameWithoutOddCharacters_data()
         << u"Übung_größe №²٣ план 計画.bdl"_s << u"Übung_größe²٣план計画.bdl"_s;
     QTest::newRow("combining mark") << u"e\u0301te\u0301 x.bdl"_s << u"e\u0301te\u0301x.bdl"_s;
     QTest::newRow("quotes") << u"O'Neil \"x\"; DROP.bdl"_s << u"ONeilxDROP.bdl"_s;
-    QTest::newRow("letter beyond the basic plane") << u"a \U00010400 \U0001F600.bdl"_s
-                                                   << u"a\U00010400.bdl"_s;
+    QTest::newRow("letter beyond the basic plane")
+        << u"a \U00010400 \U0001F600.bdl"_s << u"a\U00010400.bdl"_s;
     QTest::newRow("nothing left: a fixed word") << u"!!! - -"_s << u"file"_s;
     QTest::newRow("periods stay") << u"..a..b"_s << u"..a..b"_s;
 }

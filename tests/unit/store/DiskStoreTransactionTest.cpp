@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/DiskStore.h"
 
 #include <QDir>
@@ -114,8 +114,8 @@ void DiskStoreTransactionTest::selectNeverAnnouncesAnUpdate()
     store.getRootExcerpt();
     store.getAllowedChildStates(EntryState::Todo);
     store.areChildrenCompatibleWithNewState(rootId, EntryState::Done);
-    const std::unique_ptr<QList<long long>> done(
-        store.getEntryIdsByDoneDate(QDateTime::currentDateTimeUtc(), QDateTime::currentDateTimeUtc()));
+    const std::unique_ptr<QList<long long>> done(store.getEntryIdsByDoneDate(
+        QDateTime::currentDateTimeUtc(), QDateTime::currentDateTimeUtc()));
     const std::unique_ptr<DiskStore::EntryInfoList> todos(store.getAllTodosInList());
     const std::unique_ptr<DiskStore::EntryInfoList> found(store.entrySearch(u"a"_s));
     QCOMPARE(updates.count(), 0);
@@ -210,10 +210,11 @@ void DiskStoreTransactionTest::failedStatementIsEmittedThenThrown()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     makeEmptyStore(path);
-    QCOMPARE(change(path,
-                    {u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(FAIL, 'refused'); "
-                     "END"_s}),
-             QString());
+    QCOMPARE(
+        change(path,
+               {u"CREATE TRIGGER t BEFORE UPDATE ON entry BEGIN SELECT RAISE(FAIL, 'refused'); "
+                "END"_s}),
+        QString());
     DiskStore store(path);
     QList<DiskStore::FileException> emitted;
     bool thrown = false;
@@ -282,8 +283,7 @@ void DiskStoreTransactionTest::queryOutsideATransactionIsAnError()
     QVERIFY(fileError([&] { store.rollbackAndRestartTransaction(); }));
     const auto e = fileError([&] { store.getEntryId(-1, 0); });
     QVERIFY(e);
-    QCOMPARE(e->message,
-             u"There was an error: executeQuery called with no transaction active."_s);
+    QCOMPARE(e->message, u"There was an error: executeQuery called with no transaction active."_s);
     QCOMPARE(e->details, path);
     QCOMPARE(errors.count(), 2);
 }
@@ -313,10 +313,11 @@ void DiskStoreTransactionTest::failedStoreSavesNothingMore()
     const QString path = settings.filePath(u"a.bdl"_s);
     makeEmptyStore(path);
     // The second half of an insertion fails: the entry is there, its text isn't.
-    QCOMPARE(change(path,
-                    {u"CREATE TRIGGER t BEFORE INSERT ON entrybody_content BEGIN SELECT RAISE(FAIL, "
-                     "'full'); END"_s}),
-             QString());
+    QCOMPARE(
+        change(path,
+               {u"CREATE TRIGGER t BEFORE INSERT ON entrybody_content BEGIN SELECT RAISE(FAIL, "
+                "'full'); END"_s}),
+        QString());
     {
         DiskStore store(path);
         QVERIFY(fileError([&] { addEntry(store, rootId, u"half"_s, 0); }));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/FileManager.h"
 
 #include <QDialogButtonBox>
@@ -348,9 +348,9 @@ void FileManagerDialogsTest::openingADamagedFileIsReported()
     const QByteArray content(5000, 'x');
     QVERIFY(writeBytes(user.home(u"bad.bdl"_s), content));
     m_files->loadFile(0);
-    QCOMPARE(user.boxes.texts(),
-             QStringList{
-                 u"There was an error accessing file bad.bdl. The file could not be loaded."_s});
+    QCOMPARE(
+        user.boxes.texts(),
+        QStringList{u"There was an error accessing file bad.bdl. The file could not be loaded."_s});
     QCOMPARE(m_files->getFileCount(), 0);
     QCOMPARE(bytes(user.home(u"bad.bdl"_s)), content);
     QVERIFY(!QSettings().contains(u"loadfiles/0"_s));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/FileManager.h"
 
 #include <QSignalSpy>
@@ -269,8 +269,8 @@ void FileManagerErrorsTest::removedFileStaysOpenUntilTheUserHasReadTheMessage()
     BoxAnswers boxes({QMessageBox::Ok});
     QString whileShown;
     boxes.before(0, [&] {
-        whileShown = QString::number(desk.files->getFileCount()) + u' '
-            + desk.store(0).getRootExcerpt();
+        whileShown
+            = QString::number(desk.files->getFileCount()) + u' ' + desk.store(0).getRootExcerpt();
     });
     QVERIFY(!desk.files->commitAndRestartTransactions());
     QTRY_COMPARE(desk.names(), QStringList{u"1.bdl"_s});

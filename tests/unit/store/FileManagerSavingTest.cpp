@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
 #include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 #include "store/FileManager.h"
 
 #include <QSignalSpy>
@@ -29,12 +29,12 @@ struct Desk {
     {
         files.getFile(file)->updateEntryBody(rootId, text, true);
     }
-    QString saved(int file) const { return rows(paths[file], u"SELECT content FROM entrybody"_s).join(u','); }
-    /// Makes the file's next commit and rollback fail.
-    void spoil(int file) const
+    QString saved(int file) const
     {
-        rowsInside(*files.getFile(file), u"ROLLBACK"_s);
+        return rows(paths[file], u"SELECT content FROM entrybody"_s).join(u',');
     }
+    /// Makes the file's next commit and rollback fail.
+    void spoil(int file) const { rowsInside(*files.getFile(file), u"ROLLBACK"_s); }
 
     TestSettings settings;
     QDateTime now = QDateTime(QDate(2026, 5, 1), QTime(9, 0));
@@ -225,9 +225,9 @@ void FileManagerSavingTest::fileThatFailsToDiscardDoesNotKeepTheOthersFromIt()
     QCOMPARE(rollbacks.count(), 1);
     QVERIFY(desk.files.unsavedSince().isNull());
     QCOMPARE(desk.files.getFile(2)->getRootExcerpt(), u"2.bdl"_s);
-    QTRY_COMPARE(boxes.texts(),
-                 QStringList{
-                     u"There was an error accessing file 0.bdl. This file has been closed."_s});
+    QTRY_COMPARE(
+        boxes.texts(),
+        QStringList{u"There was an error accessing file 0.bdl. This file has been closed."_s});
     QTRY_COMPARE(desk.files.getFileCount(), 2);
 }
 
@@ -415,9 +415,10 @@ void FileManagerSavingTest::quittingWhileSavingFailsKeepsRunning()
     desk.spoil(0);
     const BoxAnswers boxes({QMessageBox::Save, QMessageBox::Ok});
     QVERIFY(!quits(desk));
-    QCOMPARE(boxes.texts(),
-             (QStringList{savePrompt,
-                          u"There was an error accessing file 0.bdl. This file has been closed."_s}));
+    QCOMPARE(
+        boxes.texts(),
+        (QStringList{savePrompt,
+                     u"There was an error accessing file 0.bdl. This file has been closed."_s}));
     QCOMPARE(desk.saved(1), u"b"_s);
     QCOMPARE(desk.files.getFileCount(), 1);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/TestSettings.h"
-#include "StoreTestSupport.h"
 #include "store/FileManager.h"
+#include "StoreTestSupport.h"
+#include "fakes/TestSettings.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -165,8 +165,7 @@ void FileManagerTest::keysWithGapsLoadDenselyAndStayUntilTheFirstChange()
     QCOMPARE(storedFiles(), (QStringList{u"2="_s + p[0], u"7="_s + p[1]}));
     if (change == u"open"_s) {
         files.openFile(p[2], 1);
-        QCOMPARE(storedFiles(),
-                 (QStringList{u"0="_s + p[0], u"1="_s + p[2], u"2="_s + p[1]}));
+        QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[0], u"1="_s + p[2], u"2="_s + p[1]}));
     } else if (change == u"close"_s) {
         files.unloadFile(0, false);
         QCOMPARE(storedFiles(), QStringList{u"0="_s + p[1]});
@@ -467,8 +466,9 @@ void FileManagerTest::relativePathIsStoredAsAnAbsoluteOne()
 void FileManagerTest::unusualPathsSurviveTheSettings()
 {
     const TestSettings settings;
-    const QStringList fileNames{u"a, b; c.bdl"_s, u"Größe ☃ \U0001F600.bdl"_s, u"50%20 'x' \"y\".bdl"_s,
-                                u"@Size(1 2).bdl"_s, u"back\\slash.bdl"_s};
+    const QStringList fileNames{u"a, b; c.bdl"_s, u"Größe ☃ \U0001F600.bdl"_s,
+                                u"50%20 'x' \"y\".bdl"_s, u"@Size(1 2).bdl"_s,
+                                u"back\\slash.bdl"_s};
     const QStringList p = makeFiles(settings, fileNames);
     {
         FileManager files;
@@ -489,9 +489,8 @@ void FileManagerTest::closedFileIsRemovedStoredAndAnnounced()
     for (int i = 0; i < 3; ++i)
         files.openFile(p[i], i);
     QStringList seen;
-    connect(&files, &FileManager::fileUnloaded, &files, [&](int index) {
-        seen << QString::number(index) << names(files) << storedFiles();
-    });
+    connect(&files, &FileManager::fileUnloaded, &files,
+            [&](int index) { seen << QString::number(index) << names(files) << storedFiles(); });
     files.unloadFile(1, false);
     QCOMPARE(seen, (QStringList{u"1"_s, u"a.bdl"_s, u"c.bdl"_s, u"0="_s + p[0], u"1="_s + p[2]}));
     QVERIFY(!QSqlDatabase::connectionNames().contains(p[1]));

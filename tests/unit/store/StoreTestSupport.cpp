@@ -282,8 +282,8 @@ void StoreTest::BoxAnswers::answer(QMessageBox *box)
         return;
     }
     const int number = noted.toInt();
-    QAbstractButton *const button =
-        number < m_answers.size() ? box->button(m_answers.at(number)) : nullptr;
+    QAbstractButton *const button
+        = number < m_answers.size() ? box->button(m_answers.at(number)) : nullptr;
     if (button)
         button->click();
     else
