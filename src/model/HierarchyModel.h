@@ -126,6 +126,7 @@ private:
 
     // Commands; each returns false when it is refused.
     bool carryOut(Command command);
+    bool commandGoToParent();
     bool commandGoToFirst();
     bool commandGoToPrevious();
     bool commandGoToPreviousAtTopLevel();
@@ -140,9 +141,8 @@ private:
     bool commandMoveToBottom();
     bool commandMoveRight();
     bool commandNewSibling();
-    bool commandMark(EntryState state);
+    bool commandMarkDone();
     bool commandAddToTodoList();
-    bool commandSaveAndHide();
     void moveOnAfterDone();
 
     bool atTopLevel() const { return m_parentId == -1; }

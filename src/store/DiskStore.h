@@ -47,8 +47,9 @@ public:
     using EntryInfoList = QList<EntryInfo>;
     using StateSet = QSet<EntryState>;
 
-    /// How long a statement or a commit waits for other processes to let go of the file.
-    static constexpr int busyTimeoutMs = 10000;
+    /// How long one attempt at a statement or a commit waits for other processes to let go of the
+    /// file; commits are attempted three times, statements twice.
+    static constexpr int busyTimeoutMs = 5000;
 
     /// Opens the file at \a path, makes it when missing, and brings it to the current schema.
     /// \throws FileException when it can't be opened, set up or upgraded.
@@ -183,6 +184,9 @@ private:
     void run(QSqlQuery &query);
     QSqlQuery &query(QueryType type) { return *m_queries[type]; }
     int readSequence(QSqlQuery &query);
+    /// The current parent may have an id that the public operations' 32-bit parameter can't hold.
+    void placeEntry(long long id, int sequence, long long parentId);
+    void writeShortcut(long long id, const QVariant &key, const QString &keyText);
     void commitOrThrow();
 
     DatabaseConnection m_connection;

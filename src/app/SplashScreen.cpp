@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "app/SplashScreen.h"
+
+#include <QKeyEvent>
+
+AppLifecycle::SplashScreen::SplashScreen(const QPixmap &picture, AppLifecycle *lifecycle)
+    : QSplashScreen(picture)
+    , m_lifecycle(lifecycle)
+{
+}
+
+void AppLifecycle::SplashScreen::mousePressEvent(QMouseEvent *event)
+{
+    QSplashScreen::mousePressEvent(event);
+    m_lifecycle->stopSplashScreen();
+}
+
+void AppLifecycle::SplashScreen::keyPressEvent(QKeyEvent *event)
+{
+    // The picture takes the keyboard under some window managers; a key means "go on".
+    event->accept();
+    hide();
+    m_lifecycle->stopSplashScreen();
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppLifecycle.h"
+#include "app/Application.h"
+#include "app/CommandLine.h"
+#include "platform/NativeSupport.h"
+#include "store/DiskStore.h"
+
+#include <QTimer>
+#include <cstdlib>
+#include <ctime>
+
+int main(int argc, char **argv)
+{
+    CommandLine::answerWithoutDisplay(argc, argv);
+
+    // Never deleted: the desktop may call it until the process ends.
+    NativeSupport *nativeSupport = NativeSupport::create().release();
+    nativeSupport->captureFrontProcessForRestore();
+
+    std::srand(static_cast<unsigned int>(std::time(nullptr)));
+    qRegisterMetaType<DiskStore::FileException>("DiskStore::FileException");
+
+    Application app(argc, argv);
+    AppLifecycle lifecycle(&app, nativeSupport, CommandLine::filesToOpen());
+
+    // Start-up runs inside the event loop, because it may open message boxes.
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &lifecycle, &AppLifecycle::startup);
+    timer.start(0);
+    return QApplication::exec();
+}

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: MIT
+#include "store/FileManager.h"
+
+#include "store/StoreLogging.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+FileManager::~FileManager()
+{
+    for (auto &file : m_files)
+        file.reset();
+}
+
+DiskStore *FileManager::getFile(int index) const
+{
+    return index >= 0 && index < getFileCount() ? m_files[static_cast<size_t>(index)].get()
+                                                : nullptr;
+}
+
+int FileManager::getFileCount() const
+{
+    return static_cast<int>(m_files.size());
+}
+
+int FileManager::indexOf(const DiskStore *store) const
+{
+    const auto found = std::find_if(m_files.begin(), m_files.end(),
+                                    [store](const auto &file) { return file.get() == store; });
+    return found == m_files.end() ? -1 : static_cast<int>(found - m_files.begin());
+}
+
+bool FileManager::isOpen(const QString &path) const
+{
+    return std::any_of(m_files.begin(), m_files.end(),
+                       [&path](const auto &file) { return file->isSameFile(path); });
+}
+
+void FileManager::openFileInner(const QString &path, int index)
+{
+    auto store = std::make_unique<DiskStore>(path);
+    try {
+        store->getRootExcerpt();
+    } catch (const char *text) {
+        // Every reader of the file relies on the root entry.
+        store->throwFileExceptionAndEmit(QString::fromLatin1(text), path);
+    }
+    connectStore(store.get());
+    const int slot = std::clamp(index, 0, getFileCount());
+    m_files.insert(m_files.begin() + slot, std::move(store));
+}
+
+void FileManager::connectStore(DiskStore *store)
+{
+    connect(store, &DiskStore::errorOccurred, this,
+            [this, store](const DiskStore::FileException &e) { queueError(store, e); });
+    connect(store, &DiskStore::firstUpdateOfTransaction, this,
+            &FileManager::firstUpdateOfTransaction);
+    connect(store, &DiskStore::rootBodyChanged, this, &FileManager::fileRootBodyChanged);
+}
+
+void FileManager::queueError(DiskStore *store, const DiskStore::FileException &e)
+{
+    // One error closes the file; what else fails on the way there is only of technical interest.
+    if (m_failedStores.contains(store)) {
+        qCDebug(lcStore).noquote() << "further error:" << e.message << e.details;
+        return;
+    }
+    m_failedStores.append(store);
+    // Queued, because the store is deleted and the failing call must have left it by then.
+    QMetaObject::invokeMethod(
+        this, [this, e] { fileError(e); }, Qt::QueuedConnection);
+}
+
+void FileManager::fileError(DiskStore::FileException e)
+{
+    const QPointer<DiskStore> store
+        = m_failedStores.isEmpty() ? QPointer<DiskStore>() : m_failedStores.takeFirst();
+    if (!store || indexOf(store) == -1) {
+        qCDebug(lcStore).noquote() << "error of a closed file:" << e.message << e.details;
+        return;
+    }
+    const QString text = e.message + tr(" This file has been closed.");
+    if (store->isStillAtItsPath()) {
+        unloadFile(indexOf(store), true);
+        critical(text, e.details);
+        return;
+    }
+    // The only copy of the data is the one that this store holds open: the user hears of it first.
+    critical(text, e.details);
+    if (store)
+        unloadFile(indexOf(store), true);
+}
+
+void FileManager::openFile(const QString &path, int index)
+{
+    const QString absolute = QDir::isRelativePath(path) ? QDir().absoluteFilePath(path) : path;
+    const int slot = std::clamp(index, 0, getFileCount());
+    try {
+        openFileInner(absolute, slot);
+    } catch (const DiskStore::FileException &e) {
+        critical(e.message + tr(" The file could not be loaded."), e.details);
+        return;
+    }
+    rewriteLoadedFilesSettingsGroup();
+    emit fileLoaded(slot);
+}
+
+void FileManager::openFileFromCommandLine(const QString &path)
+{
+    const QFileInfo info(path);
+    if (isOpen(info.absoluteFilePath()))
+        return;
+    if (!info.isFile() || !info.isReadable() || !info.isWritable()) {
+        critical(tr("File could not be accessed. It will be skipped."), info.absoluteFilePath());
+        return;
+    }
+    openFile(info.absoluteFilePath(), getFileCount());
+}
+
+bool FileManager::noFileSelectedOrFileAlreadyOpen(const QString &path)
+{
+    if (path.isEmpty())
+        return true;
+    if (!isOpen(path))
+        return false;
+    showInformation(tr("File Already Open"), tr("That file is already open."));
+    return true;
+}
+
+QString FileManager::askForNewFile()
+{
+    // An object rather than the static function: only so the suffix is added before the dialog
+    // asks whether to replace an existing file.
+    QFileDialog dialog(nullptr, tr("Create a new file"), QDir::homePath(),
+                       tr("Brindle files (*.bdl)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(u"bdl"_s);
+    dialog.selectFile(u"data.bdl"_s);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+bool FileManager::makeWayForNewFile(const QString &path)
+{
+    if (QFileInfo::exists(path) && !QFile::remove(path)) {
+        showInformation(tr("File Access Error"),
+                        tr("That file could not be overwritten. Please select a different file."));
+        return false;
+    }
+    QFile probe(path);
+    if (!probe.open(QIODevice::ReadWrite) || (probe.close(), !probe.remove())) {
+        showInformation(tr("File Access Error"),
+                        tr("That file could not be written. Please select a different file."));
+        return false;
+    }
+    return true;
+}
+
+void FileManager::createFile(int index)
+{
+    while (true) {
+        const QString path = askForNewFile();
+        if (noFileSelectedOrFileAlreadyOpen(path))
+            return;
+        if (makeWayForNewFile(path)) {
+            openFile(path, index);
+            return;
+        }
+    }
+}
+
+void FileManager::loadFile(int index)
+{
+    const QString filter = tr("Brindle files (*.bdl)");
+    while (true) {
+        QString selected = filter;
+        const QString path
+            = QFileDialog::getOpenFileName(nullptr, tr("Open an existing file"), QDir::homePath(),
+                                           tr("Any file (*);;") + filter, &selected);
+        if (noFileSelectedOrFileAlreadyOpen(path))
+            return;
+        const QFileInfo info(path);
+        if (info.exists() && info.isReadable() && info.isWritable()) {
+            openFile(path, index);
+            return;
+        }
+        showInformation(tr("File Not Accessible"),
+                        tr("That file cannot be edited. Please select a different file."));
+    }
+}
+
+void FileManager::unloadFile(int index, bool skipPrompt)
+{
+    // The list can change while the prompt is open.
+    const QPointer<DiskStore> store = getFile(index);
+    if (!skipPrompt && !m_unsavedSince.isNull()) {
+        const QMessageBox::StandardButton answer = prompUserToMaybeSaveChanges();
+        // After a failed save the error is to be read first.
+        if (answer == QMessageBox::Save && !commitAndRestartTransactions())
+            return;
+        if (answer != QMessageBox::Save && answer != QMessageBox::Discard)
+            return;
+    }
+    const int position = indexOf(store);
+    if (!store || position == -1)
+        return;
+    m_files[static_cast<size_t>(position)].reset();
+    m_files.erase(m_files.begin() + position);
+    rewriteLoadedFilesSettingsGroup();
+    if (m_files.empty())
+        m_unsavedSince = QDateTime();
+    emit fileUnloaded(position);
+}
+
+void FileManager::reorderFile(int fromIndex, int toIndex)
+{
+    if (!getFile(fromIndex))
+        return;
+    auto moved = std::move(m_files[static_cast<size_t>(fromIndex)]);
+    m_files.erase(m_files.begin() + fromIndex);
+    m_files.insert(m_files.begin() + std::clamp(toIndex, 0, getFileCount()), std::move(moved));
+    rewriteLoadedFilesSettingsGroup();
+    emit fileMoved(fromIndex, toIndex);
+}
+
+QList<EntryAddress> FileManager::getEntriesByShortcutKey(int key) const
+{
+    QList<EntryAddress> addresses;
+    for (int index = 0; index < getFileCount(); ++index) {
+        const long long id = getFile(index)->getEntryIdByShortcutKey(key);
+        if (id != -1)
+            addresses.append(EntryAddress{index, id});
+    }
+    return addresses;
+}
+
+void FileManager::critical(const QString &text, const QString &detailedText)
+{
+    QMessageBox box(QMessageBox::Critical, QString(), text, QMessageBox::Ok);
+    box.setTextFormat(Qt::PlainText);
+    box.setDetailedText(detailedText);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.exec();
+}
+
+void FileManager::showInformation(const QString &title, const QString &text)
+{
+    QMessageBox::information(nullptr, title, text, QMessageBox::Ok);
+}

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "ui/AbstractWindow.h"
+
+#include "shared/Refusal.h"
+#include "ui/ScreenPlacement.h"
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+/// A window manager may shift a window it has just been given by about a frame's width.
+constexpr int managerShift = 64;
+} // namespace
+
+AbstractWindow::AbstractWindow(QWidget *parent, Qt::WindowFlags flags)
+    : QDialog(parent, flags)
+    , m_saveTimer(new QTimer(this))
+{
+    m_saveTimer->setSingleShot(true);
+    m_saveTimer->setInterval(saveDelayMs);
+    connect(m_saveTimer, &QTimer::timeout, this, &AbstractWindow::saveConfigInSettings);
+}
+
+QString AbstractWindow::getWindowPosSettingsKey() const
+{
+    return getWindowName() + u"/pos"_s;
+}
+
+QString AbstractWindow::getWindowSizeSettingsKey() const
+{
+    return getWindowName() + u"/size"_s;
+}
+
+void AbstractWindow::restoreSizeAndPos()
+{
+    if (m_settings.contains(getWindowPosSettingsKey()))
+        move(m_settings.value(getWindowPosSettingsKey()).toPoint());
+    if (m_settings.contains(getWindowSizeSettingsKey()))
+        resize(m_settings.value(getWindowSizeSettingsKey()).toSize());
+}
+
+void AbstractWindow::restoreShowAndActivate()
+{
+    if (!isVisible()) {
+        restoreSizeAndPos();
+        moveOntoScreen();
+        clearMinimized();
+        setVisible(true);
+    }
+    AbstractWindow::activate();
+}
+
+void AbstractWindow::activate()
+{
+    clearMinimized();
+    activateWindow();
+    raise();
+}
+
+void AbstractWindow::hideOnDeactivate(bool isAppActive)
+{
+    if (!isAppActive && isVisible())
+        setVisible(false);
+}
+
+void AbstractWindow::saveConfigInSettings()
+{
+    m_settings.setValue(getWindowSizeSettingsKey(), size());
+    if (!standsAtCorrectedPlace())
+        m_settings.setValue(getWindowPosSettingsKey(), pos());
+    m_settings.sync();
+}
+
+bool AbstractWindow::event(QEvent *event)
+{
+    if (event->type() == Refusal::eventType()) {
+        showRefusal();
+        return true;
+    }
+    return QDialog::event(event);
+}
+
+void AbstractWindow::moveEvent(QMoveEvent *event)
+{
+    QDialog::moveEvent(event);
+    m_saveTimer->start();
+}
+
+void AbstractWindow::resizeEvent(QResizeEvent *event)
+{
+    QDialog::resizeEvent(event);
+    m_saveTimer->start();
+}
+
+void AbstractWindow::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    if (!event->spontaneous())
+        emit hiding();
+}
+
+void AbstractWindow::showRefusal() { }
+
+void AbstractWindow::moveOntoScreen()
+{
+    m_correction.reset();
+    const std::optional<QPoint> onScreen = ScreenPlacement::correctedPosition(frameGeometry());
+    if (!onScreen)
+        return;
+    move(*onScreen);
+    m_correction = Correction{*onScreen};
+}
+
+// The stored place stays as it is until the user moves the window: the screen it belongs to may
+// come back. Only what the window manager did to our own placing is forgiven, and only once.
+bool AbstractWindow::standsAtCorrectedPlace()
+{
+    if (!m_correction)
+        return false;
+    const int distance = (pos() - m_correction->pos).manhattanLength();
+    if (distance == 0 || (!m_correction->settled && distance <= managerShift)) {
+        *m_correction = {pos(), true};
+        return true;
+    }
+    m_correction.reset();
+    return false;
+}
+
+void AbstractWindow::clearMinimized()
+{
+    if (isMinimized())
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+}
