@@ -91,6 +91,29 @@ private:
     QString m_text;
 };
 
+/// Presses the default button of every message box that opens, and remembers their texts.
+class BoxReader : public QObject
+{
+public:
+    BoxReader()
+    {
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (box == nullptr || !box->isVisible())
+                return;
+            m_texts += box->text();
+            box->defaultButton()->click();
+        });
+        m_timer.start(5);
+    }
+
+    QStringList texts() const { return m_texts; }
+
+private:
+    QTimer m_timer;
+    QStringList m_texts;
+};
+
 /// The text that \a action throws; "nothing" or "a file error" when it throws no text.
 template <typename Action> QByteArray thrownBy(Action &&action)
 {

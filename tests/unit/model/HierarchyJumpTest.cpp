@@ -26,6 +26,8 @@ private slots:
     void aJumpToMinusOneIsThrown();
     void aJumpToAMissingTargetChangesNothing_data();
     void aJumpToAMissingTargetChangesNothing();
+    void aJumpIntoADamagedPlaceChangesNothing_data();
+    void aJumpIntoADamagedPlaceChangesNothing();
     void aRefusedJumpKeepsTheTypedTextAndLaterWritesInPlace();
     void clearingTheCurrentEntryAndJumpingToItIsRefused();
     void clearingTheCurrentEntryAndJumpingElsewhereDeletesIt();
@@ -200,6 +202,44 @@ void HierarchyJumpTest::aJumpToAMissingTargetChangesNothing()
     tryFrom(u"a root"_s);
     desk.goToPanel(1);
     tryFrom(u"the panel"_s);
+}
+
+void HierarchyJumpTest::aJumpIntoADamagedPlaceChangesNothing_data()
+{
+    QTest::addColumn<QString>("damage");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("jumpToChild");
+    QTest::newRow("the child to land on has no text")
+        << u"DELETE FROM entrybody WHERE content='z1'"_s << u"z"_s << true;
+    QTest::newRow("the target's parent has no text")
+        << u"DELETE FROM entrybody WHERE content='z'"_s << u"z1"_s << false;
+    QTest::newRow("the target's parent is missing")
+        << u"UPDATE entry SET parentid=4711 WHERE parentid=2"_s << u"z1"_s << false;
+    QTest::newRow("the target's neighbour has no text")
+        << u"DELETE FROM entrybody WHERE content='z2'"_s << u"z1"_s << false;
+}
+
+void HierarchyJumpTest::aJumpIntoADamagedPlaceChangesNothing()
+{
+    QFETCH(const QString, damage);
+    QFETCH(const QString, target);
+    QFETCH(const bool, jumpToChild);
+    HierarchyDesk desk;
+    desk.addFile(u"one.bdl"_s, u"- a\n- b\n"_s);
+    // Its root is entry 1, "z" 2.
+    const QString other = desk.addFile(u"two.bdl"_s, u"- z\n  - z1\n  - z2\n"_s);
+    Outline::runOnDisk(other, {damage});
+    desk.start();
+    desk.goTo(u"b"_s);
+    const EntryAddress address = desk.addressOf(target, 1);
+    QVERIFY(address.entryId != -1);
+    const QStringList before = desk.everythingShown();
+    thrownBy([&] { desk.model->goToEntry(address, jumpToChild); });
+    // Whether it beeps or throws: what is typed next must not land in the other file.
+    QCOMPARE(desk.everythingShown(), before);
+    desk.type(u"bb"_s);
+    desk.run(Command::CommitEdit);
+    QCOMPARE(desk.outline(), u"- a\n- bb\n"_s);
 }
 
 void HierarchyJumpTest::aRefusedJumpKeepsTheTypedTextAndLaterWritesInPlace()
