@@ -6,6 +6,7 @@
 #include "store/DiskStore.h"
 
 #include <QTimer>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
@@ -15,6 +16,10 @@ int main(int argc, char **argv)
 
     // Never deleted: the desktop may call it until the process ends.
     NativeSupport *nativeSupport = NativeSupport::create().release();
+    if (!NativeSupport::hasDisplay()) {
+        std::fputs("brindle: there is no display to show windows on; is DISPLAY set?\n", stderr);
+        return EXIT_FAILURE;
+    }
     nativeSupport->captureFrontProcessForRestore();
 
     std::srand(static_cast<unsigned int>(std::time(nullptr)));

@@ -19,6 +19,10 @@ public:
     /// without any display.
     static std::unique_ptr<NativeSupport> create();
 
+    /// Whether there is a display to show windows on. Without one the toolkit would abort the
+    /// process, so main asks before it builds the application object.
+    static bool hasDisplay();
+
     /// Whether this application is the one in front.
     virtual bool areWeFrontProcess() = 0;
     /// Remembers who is in front, unless it is this application (then nobody is remembered).

@@ -74,7 +74,7 @@ bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
     // Under an open box nothing may change: what the box asks about would no longer hold.
     const bool blocked = QApplication::activeModalWidget() != nullptr;
     if (!blocked && !(keyEvent->isAutoRepeat() && isNeverRepeated(command)))
-        guardAgainstTexts(commandLog(), "eventFilter", [this, command] { carryOut(command); });
+        guardAgainstTexts(lcCommands(), "eventFilter", [this, command] { carryOut(command); });
     return true;
 }
 
@@ -103,6 +103,6 @@ void AppCommandFilter::exitApplication()
 
 void AppCommandFilter::refuseUnavailable(Command command)
 {
-    qCDebug(commandLog).nospace() << "command not available yet: " << nameOf(command);
+    qCDebug(lcCommands).nospace() << "command not available yet: " << nameOf(command);
     Refusal::refuse();
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/CommandLog.h"
 
-Q_LOGGING_CATEGORY(commandLog, "brindle.ui.commands")
+Q_LOGGING_CATEGORY(lcCommands, "brindle.ui.commands")
 
 void logCommand(Command command)
 {
-    qCDebug(commandLog) << "command" << static_cast<int>(command);
+    qCDebug(lcCommands) << "command" << static_cast<int>(command);
 }

@@ -6,6 +6,6 @@
 #include <QLoggingCategory>
 
 /// Which commands the user gave, one line each: "command 17".
-Q_DECLARE_LOGGING_CATEGORY(commandLog)
+Q_DECLARE_LOGGING_CATEGORY(lcCommands)
 
 void logCommand(Command command);

@@ -20,7 +20,7 @@
 
 using namespace Qt::StringLiterals;
 
-Q_LOGGING_CATEGORY(hierarchyWindowLog, "brindle.ui.hierarchywindow")
+Q_LOGGING_CATEGORY(lcHierarchyWindow, "brindle.ui.hierarchywindow")
 
 HierarchyWindow::HierarchyWindow(HierarchyModel *model, AppActivationSupport *activationSupport,
                                  int shortcutModifier, int shortcutModifierKey)
@@ -78,21 +78,21 @@ void HierarchyWindow::activate()
 
 void HierarchyWindow::createFile()
 {
-    guardAgainstTexts(hierarchyWindowLog(), "createFile",
+    guardAgainstTexts(lcHierarchyWindow(), "createFile",
                       [this] { m_model->createFileAtCurrentPosition(); });
     giveKeyboardToPage();
 }
 
 void HierarchyWindow::loadFile()
 {
-    guardAgainstTexts(hierarchyWindowLog(), "loadFile",
+    guardAgainstTexts(lcHierarchyWindow(), "loadFile",
                       [this] { m_model->loadFileAtCurrentPosition(); });
     giveKeyboardToPage();
 }
 
 void HierarchyWindow::unloadFile()
 {
-    guardAgainstTexts(hierarchyWindowLog(), "unloadFile", [this] {
+    guardAgainstTexts(lcHierarchyWindow(), "unloadFile", [this] {
         if (!m_model->unloadCurrentFile())
             Refusal::refuse();
     });
@@ -122,7 +122,7 @@ void HierarchyWindow::showRefusal()
 
 void HierarchyWindow::keyPressEvent(QKeyEvent *event)
 {
-    guardAgainstTexts(hierarchyWindowLog(), "handleCommand",
+    guardAgainstTexts(lcHierarchyWindow(), "handleCommand",
                       [this, event] { handleKeyPress(event); });
 }
 
@@ -169,7 +169,7 @@ void HierarchyWindow::registerPressedKey(const QKeyEvent &event, Qt::KeyboardMod
             Refusal::refuse();
         return;
     }
-    if (key == 0 || key == Qt::Key_unknown || m_model->isShortcutRegistered(key, true)) {
+    if (m_model->isShortcutRegistered(key, true)) {
         Refusal::refuse();
         setRegisterShortcut(true);
         return;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/activation/LongTimer.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -47,9 +49,9 @@ public:
     /// Asks the desktop to bring \a window to the front; see NativeSupport::requestFront().
     void requestFront(QWindow *window);
 
-    /// Whether the automatic activation timer runs, and for how long in all.
+    /// Whether the automatic activation timer runs, and for how long in all (milliseconds).
     bool isActivationTimerActive() const { return m_activationTimer.isActive(); }
-    int activationTimerInterval() const { return m_activationTimer.interval(); }
+    qint64 activationTimerInterval() const { return m_activationTimer.interval(); }
 
 public slots:
     void confirmAppActivation();
@@ -69,7 +71,7 @@ private:
     void startActivationTimer(bool accelerateReactivation);
 
     bool m_active = false;
-    QTimer m_activationTimer{this};
+    LongTimer m_activationTimer{this};
     QTimer m_confirmTimer{this};
     NativeSupport *m_nativeSupport;
 };

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#include "platform/KeyboardLayout.h"
+
+#include "platform/x11/X11KeyboardLayout.h"
+
+#include <QCoreApplication>
+
+KeyboardLayout *KeyboardLayout::ofApplication()
+{
+    QCoreApplication *application = QCoreApplication::instance();
+    if (!application)
+        return nullptr;
+    if (auto *layout = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
+        return layout;
+    if (X11KeyboardLayout::isAvailable())
+        return new X11KeyboardLayout(application);
+    return new KeyboardLayout(application);
+}
+
+PhysicalKey KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)
+{
+    Q_UNUSED(nativeModifiers)
+    return PhysicalKey{code, {}, 0};
+}

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/PhysicalKey.h"
+
+#include <QObject>
+
+/// What the user's keyboard layout puts on the keys. This one knows nothing; desktops that can tell
+/// derive from it. It lives as a child of the application object.
+class KeyboardLayout : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The application's layout, made at first use; null without an application object.
+    static KeyboardLayout *ofApplication();
+
+    using QObject::QObject;
+
+    /// The key that the desktop calls \a code, pressed in the state \a nativeModifiers.
+    virtual PhysicalKey physicalKey(quint32 code, quint32 nativeModifiers);
+};

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "platform/x11/FrontRequests.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QTimer>
+#include <QWidget>
+#include <QWindow>
+
+namespace
+{
+
+// A window on another workspace is not exposed before it has been asked for.
+constexpr int longestWaitMs = 500;
+
+QWindow *modalBox()
+{
+    const QWidget *box = QApplication::activeModalWidget();
+    return box ? box->window()->windowHandle() : nullptr;
+}
+
+} // namespace
+
+FrontRequests::FrontRequests(std::function<void(quint32)> bringForward)
+    : m_bringForward(std::move(bringForward))
+{
+}
+
+void FrontRequests::request(QWindow *window)
+{
+    if (!window)
+        return;
+    if (window->windowStates().testFlag(Qt::WindowMinimized))
+        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    if (window->isExposed())
+        send(window);
+    else
+        waitFor(window);
+}
+
+void FrontRequests::waitFor(QWindow *window)
+{
+    if (m_waitingFor.contains(window))
+        return;
+    m_waitingFor.append(window);
+    window->installEventFilter(this);
+    QTimer::singleShot(longestWaitMs, window, [window, self = QPointer(this)] {
+        if (self && self->m_waitingFor.contains(window))
+            self->send(window);
+    });
+}
+
+bool FrontRequests::eventFilter(QObject *watched, QEvent *event)
+{
+    auto *window = qobject_cast<QWindow *>(watched);
+    if (event->type() == QEvent::Expose && window && window->isExposed())
+        send(window);
+    return QObject::eventFilter(watched, event);
+}
+
+void FrontRequests::send(QWindow *window)
+{
+    window->removeEventFilter(this);
+    m_waitingFor.removeAll(window);
+    m_waitingFor.removeAll(nullptr);
+    if (!window->isVisible())
+        return; // the user has dismissed it meanwhile
+    m_bringForward(static_cast<quint32>(window->winId()));
+    QWindow *box = modalBox();
+    if (box && box != window)
+        request(box);
+}

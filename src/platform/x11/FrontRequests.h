@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+
+class QWindow;
+
+/// Brings windows of ours to the front once they are on the screen: a window manager doesn't know
+/// them before.
+class FrontRequests : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \a bringForward asks the window manager for the window with the given id.
+    explicit FrontRequests(std::function<void(quint32)> bringForward);
+
+    /// Un-minimises \a window and brings it to the front, and after it the modal box that is open.
+    void request(QWindow *window);
+
+private:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void waitFor(QWindow *window);
+    void send(QWindow *window);
+
+    std::function<void(quint32)> m_bringForward;
+    QList<QPointer<QWindow>> m_waitingFor;
+};

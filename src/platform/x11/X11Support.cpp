@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "platform/x11/X11Support.h"
+
+#include "platform/PlatformLog.h"
+#include "platform/x11/FrontRequests.h"
+#include "platform/x11/FrontWatch.h"
+#include "platform/x11/FrontWindow.h"
+#include "platform/x11/QtX11.h"
+#include "platform/x11/X11Hotkey.h"
+
+#include <QCoreApplication>
+
+std::unique_ptr<NativeSupport> X11Support::open()
+{
+    std::unique_ptr<FrontWindow> front = FrontWindow::open();
+    if (!front)
+        return nullptr;
+    return std::unique_ptr<NativeSupport>(new X11Support(std::move(front)));
+}
+
+X11Support::X11Support(std::unique_ptr<FrontWindow> front)
+    : m_front(std::move(front))
+{
+}
+
+X11Support::~X11Support() = default;
+
+/// What needs the toolkit is made as soon as it is there: this object is older than it.
+/// \return whether it is there.
+bool X11Support::attach()
+{
+    QCoreApplication *application = QCoreApplication::instance();
+    if (application && m_attachedTo == application)
+        return true;
+    if (!QtX11::connection())
+        return false;
+    m_attachedTo = application;
+    m_watch = std::make_unique<FrontWatch>(*m_front);
+    m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
+    m_requests = std::make_unique<FrontRequests>([this](quint32 window) { bringForward(window); });
+    connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
+        m_watch->expectToComeForward();
+        emit hotKeyPressed();
+    });
+    return true;
+}
+
+bool X11Support::areWeFrontProcess()
+{
+    return attach() ? m_watch->areWeInFront() : FrontWatch::isOurs(*m_front, m_front->active());
+}
+
+void X11Support::captureFrontProcessForRestore()
+{
+    attach();
+    const quint32 window = m_front->active();
+    m_captured.reset();
+    if (window != 0 && !FrontWatch::isOurs(*m_front, window))
+        m_captured = Captured{window, m_front->processOf(window)};
+}
+
+void X11Support::restoreCapturedProcess()
+{
+    if (m_captured && m_front->processOf(m_captured->window) == m_captured->process)
+        m_front->bringForward(m_captured->window, m_front->serverTime());
+}
+
+void X11Support::setActivationHotkey(unsigned int virtualKey)
+{
+    if (attach())
+        m_hotkey->setKey(virtualKey);
+    else
+        qCDebug(platformLog) << "not on X11: hotkey" << virtualKey << "is not registered";
+}
+
+void X11Support::requestFront(QWindow *window)
+{
+    if (!attach())
+        return;
+    m_watch->expectToComeForward();
+    m_requests->request(window);
+}
+
+void X11Support::bringForward(quint32 window)
+{
+    // With the time of the press that caused it, what the user did since then wins; the activation
+    // timer has no such time.
+    const std::optional<quint32> pressTime = m_hotkey->freshPressTime();
+    m_front->bringForward(window, pressTime ? *pressTime : m_front->serverTime());
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/PhysicalKey.h"
+
+#include <memory>
+
+struct xkb_keymap;
+
+/// Reads the symbols of the keys out of a compiled keyboard map.
+class XkbKeymapReader
+{
+public:
+    /// Takes over the caller's reference to \a keymap; null is a map without keys.
+    explicit XkbKeymapReader(xkb_keymap *keymap);
+
+    PhysicalKey physicalKey(quint32 code, int activeGroup) const;
+
+    /// The Qt key of the keysym \a symbol as Qt names printable keys; 0 when it isn't printable.
+    static int qtKey(quint32 symbol);
+
+private:
+    struct Unref {
+        void operator()(xkb_keymap *keymap) const;
+    };
+
+    int groupCount() const;
+    bool isLatin(int group) const;
+    int keyAt(quint32 code, int group, int level) const;
+
+    std::unique_ptr<xkb_keymap, Unref> m_keymap;
+    QList<bool> m_latinGroups;
+};

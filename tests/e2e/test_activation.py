@@ -1,0 +1,255 @@
+# SPDX-License-Identifier: MIT
+"""Coming to the front and stepping back: the hotkey, the keyboard, other programs, boxes in the way."""
+
+import os
+import signal
+import time
+
+from brindle_e2e import datafile
+from brindle_e2e.case import BrindleTestCase, main
+from brindle_e2e.waiting import stays, wait_for
+
+HOTKEY = "ctrl+alt+space"
+SAVE_PROMPT = "Some of your changes have not been saved."
+
+
+class ActivationTestCase(BrindleTestCase):
+    def start_beside(self, *entries):
+        """Starts the program on a file, beside another program that has the front at the end."""
+        path = datafile.create(self.home.path("tasks.bdl"), *(entries or ("First", "Second")))
+        brindle = self.start_with(path)
+        self.other = self.other_program()
+        brindle.wait_until_hidden()
+        return brindle
+
+    def other_has_keyboard(self, line):
+        """Types a line and finds it in the other program."""
+        wait_for(lambda: self.desktop.screen.active_window() == self.other.window,
+                 "the other program in front")
+        before = len(self.other.lines())
+        self.desktop.write(line + "\n")
+        wait_for(lambda: self.other.lines()[before:] == [line],
+                 lambda: f"{line!r} in the other program, which got {self.other.lines()[before:]}")
+
+
+class Hotkey(ActivationTestCase):
+    def test_it_brings_the_keyboard_and_escape_gives_it_back(self):
+        brindle = self.start_beside()
+        for round_number in range(5):
+            with self.subTest(round=round_number):
+                brindle.bring_back()
+                self.desktop.keys("ctrl+a")
+                self.desktop.write(f"round {round_number}")
+                brindle.expect_text(f"round {round_number}")
+                self.desktop.keys("Escape")
+                brindle.wait_until_hidden()
+                self.other_has_keyboard(f"back again {round_number}")
+
+    def test_the_hotkey_itself_gives_the_keyboard_back_too(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        self.desktop.keys(HOTKEY)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+
+    def test_return_gives_the_keyboard_back_too(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.save_and_hide()
+        self.other_has_keyboard("hello")
+
+    def test_what_is_typed_as_soon_as_the_window_is_there_arrives_in_the_editor(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        self.desktop.keys("Escape")
+        brindle.wait_until_hidden()
+        for round_number in range(5):
+            self.desktop.keys(HOTKEY)
+            # No look at the editor before typing: only the window manager's word that we are in front.
+            wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+            self.desktop.write("x")
+            brindle.expect_text("First" + "x" * (round_number + 1))
+            self.desktop.keys("Escape")
+            brindle.wait_until_hidden()
+        self.assertEqual(self.other.lines(), [])
+
+    def test_it_works_whatever_the_lock_keys_are(self):
+        brindle = self.start_beside()
+        for locks in (["Num_Lock"], ["Caps_Lock"], ["Num_Lock", "Caps_Lock"], ["Scroll_Lock"]):
+            with self.subTest(locks=locks):
+                self.desktop.keys(*locks)
+                try:
+                    self.desktop.press("ctrl", "alt")
+                    self.desktop.keys("65")  # the space bar
+                    self.desktop.release("alt", "ctrl")
+                    wait_for(lambda: brindle.is_shown(), "the main window")
+                    brindle.wait_until_in_front()
+                    self.desktop.keys("9")  # Escape
+                    brindle.wait_until_hidden()
+                finally:
+                    self.desktop.keys(*locks)
+
+    def test_it_works_after_the_keyboard_layout_has_changed(self):
+        brindle = self.start_beside()
+        self.addCleanup(self.desktop.layout, "-layout", "us", "-option", "")
+        for layout in ("de", "ru", "us"):
+            with self.subTest(layout=layout):
+                self.desktop.layout("-layout", layout)
+                self.desktop.keys("ctrl+alt+65")
+                wait_for(lambda: brindle.is_shown(), "the main window")
+                brindle.wait_until_in_front()
+                self.desktop.keys("ctrl+alt+65")
+                brindle.wait_until_hidden()
+
+    def test_held_down_it_counts_once(self):
+        brindle = self.start_beside()
+        self.desktop.press("ctrl", "alt", "space")
+        self.addCleanup(self.desktop.release, "space", "alt", "ctrl")
+        brindle.wait_until_in_front()
+        stays(brindle.is_shown, "the main window stays while the hotkey is held", 2)
+        self.desktop.release("space", "alt", "ctrl")
+        brindle.wait_until_in_front()
+        self.desktop.press("ctrl", "alt", "space")
+        brindle.wait_until_hidden()
+        stays(lambda: not brindle.is_shown(), "it stays hidden while the hotkey is held", 2)
+
+    def test_another_programs_grab_is_only_logged(self):
+        # A second copy with its own settings cannot have the hotkey that the first one holds.
+        self.start_beside()
+        second = self.launch(env={"XDG_RUNTIME_DIR": os.path.join(self.home.folder, "data"),
+                                  "XDG_CONFIG_HOME": os.path.join(self.home.folder, "config2")})
+        second.end_splash()
+        second.wait_for_main_window()
+        self.assertEqual(second.boxes(), [])
+        second.wait_for_log("brindle.platform")
+
+
+class SteppingBack(ActivationTestCase):
+    def test_going_to_another_program_hides_the_window_and_keeps_the_text(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Half a thou")
+        self.desktop.screen.activate(self.other.window)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+        brindle.bring_back()
+        brindle.expect_text("Half a thou")
+
+    def test_the_frames_cross_hides_and_ends_nothing(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        self.desktop.screen.close_window(brindle.window)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+        self.assertTrue(brindle.is_running())
+        brindle.bring_back()
+
+    def test_our_own_boxes_and_file_dialogs_never_step_back(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Changed")
+        brindle.keys("ctrl+q")
+        box = brindle.wait_for_box(SAVE_PROMPT)
+        stays(brindle.is_shown, "the main window behind the prompt", 1.5)
+        brindle.answer(box, "Cancel")
+        stays(brindle.is_shown, "the main window after the prompt", 1)
+        brindle.wait_until_in_front()
+        brindle.go("ctrl+h", "tasks.bdl")
+        brindle.keys("ctrl+n")
+        brindle.expect(panel=True)
+        for button, title in (("Create file", "Create a new file"),
+                              ("Open file", "Open an existing file")):
+            with self.subTest(dialog=title):
+                brindle.click_button(button)
+                wait_for(lambda: brindle.dialog(title), title)
+                stays(brindle.is_shown, "the main window behind the dialog", 1.5)
+                wait_for(lambda: self.desktop.screen.title(self.desktop.screen.active_window())
+                         == title, "the dialog in front")
+                brindle.keys("Escape")
+                wait_for(lambda: not brindle.dialog(title), "the dialog gone")
+                stays(brindle.is_shown, "the main window after the dialog", 1)
+                brindle.wait_until_in_front()
+
+    def test_a_minimised_window_comes_back_by_the_hotkey(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        self.desktop.screen.minimise(brindle.window)
+        self.desktop.screen.activate(self.other.window)
+        wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
+        wait_for(lambda: not brindle.is_shown(), "the main window out of sight")
+        brindle.wait_until_hidden()
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+        self.assertFalse(self.desktop.screen.is_minimised(brindle.window))
+        self.desktop.write("!")
+        brindle.expect_text("First!")
+
+
+class BoxesInTheWay(ActivationTestCase):
+    def start_with_prompt_behind_the_other_program(self, minimised):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Changed")
+        brindle.keys("ctrl+q")
+        box = brindle.wait_for_box(SAVE_PROMPT)
+        window = wait_for(lambda: self.desktop.screen.find(brindle.pid, "Save changes?"), "the box")
+        if minimised:
+            self.desktop.screen.minimise(window)
+            wait_for(lambda: self.desktop.screen.is_minimised(window), "the box minimised")
+        self.desktop.screen.activate(self.other.window)
+        wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
+        brindle.wait_until_hidden()
+        return brindle, box, window
+
+    def check_box_comes_forward(self, minimised):
+        brindle, box, window = self.start_with_prompt_behind_the_other_program(minimised)
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == window, "the box in front")
+        self.assertFalse(self.desktop.screen.is_minimised(window))
+        wait_for(lambda: brindle.window in self.desktop.screen.windows(), "the main window, too")
+        brindle.keys("Escape")
+        wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
+        brindle.wait_until_in_front()
+        brindle.expect_text("Changed")
+
+    def test_an_open_box_comes_forward_with_the_main_window(self):
+        self.check_box_comes_forward(minimised=False)
+
+    def test_a_minimised_box_comes_forward_with_the_main_window(self):
+        self.check_box_comes_forward(minimised=True)
+
+
+class Confirmation(ActivationTestCase):
+    def test_an_activation_that_did_not_take_is_given_up_after_7_seconds(self):
+        brindle = self.start_beside()
+        manager = self.desktop.window_manager
+        manager.send_signal(signal.SIGSTOP)
+        try:
+            self.desktop.keys(HOTKEY)
+            # The window manager sleeps, so the window cannot come to the front.
+            started = time.monotonic()
+            stays(lambda: self.desktop.screen.active_window() == self.other.window,
+                  "the other program in front", 8.5)
+            self.assertGreater(time.monotonic() - started, 8)
+        finally:
+            manager.send_signal(signal.SIGCONT)
+        stays(lambda: self.desktop.screen.active_window() == self.other.window,
+              "the other program stays in front", 2)
+        self.other_has_keyboard("still here")
+        # One press brings the window: the program knows that it is not in front.
+        brindle.bring_back()
+
+    def test_one_that_took_stays(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        stays(lambda: self.desktop.screen.active_window() == brindle.window, "in front", 8.5)
+        brindle.wait_until_in_front()
+
+
+if __name__ == "__main__":
+    main()

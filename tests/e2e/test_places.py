@@ -1,0 +1,76 @@
+# SPDX-License-Identifier: MIT
+"""Where the window stands, and that nothing but the user moves or widens it."""
+
+from brindle_e2e import datafile
+from brindle_e2e.case import BrindleTestCase, main
+from brindle_e2e.datafile import Entry
+from brindle_e2e.waiting import stays, wait_for, wait_for_value
+
+
+class Places(BrindleTestCase):
+    def place(self, brindle):
+        return self.desktop.screen.place(brindle.window)
+
+    def start_and_move(self, *wanted):
+        path = datafile.create(self.home.path("tasks.bdl"), "First")
+        brindle = self.start_with(path)
+        before = self.home.stored_place()
+        self.desktop.screen.move_resize(brindle.window, *wanted)
+        wait_for_value(lambda: self.place(brindle), wanted, "the window where the user put it")
+        wait_for(lambda: self.home.stored_place() not in (None, before), "the place in the settings")
+        wait_for_value(lambda: self.home.stored_place()[2:], wanted[2:], "the stored size")
+        return brindle
+
+    def test_twenty_rounds_of_hiding_and_a_restart_move_nothing_by_a_pixel(self):
+        wanted = (137, 191, 431, 277)
+        brindle = self.start_and_move(*wanted)
+        stored = self.home.stored_place()
+        for round_number in range(20):
+            brindle.keys("Escape")
+            brindle.wait_until_hidden()
+            brindle.bring_back()
+            self.assertEqual(self.place(brindle), wanted, f"in round {round_number}")
+        self.assertEqual(brindle.quit(), 0)
+        brindle = self.start()
+        wait_for_value(lambda: self.place(brindle), wanted, "the place after the restart")
+        stays(lambda: self.place(brindle) == wanted, "the place stays", 1)
+        self.assertEqual(self.home.stored_place(), stored)
+
+    def test_hiding_right_after_a_move_forgets_nothing(self):
+        brindle = self.start_and_move(137, 191, 431, 277)
+        self.desktop.screen.move_resize(brindle.window, 300, 250, 500, 240)
+        wait_for_value(lambda: self.place(brindle), (300, 250, 500, 240), "the new place")
+        brindle.keys("Escape")
+        brindle.wait_until_hidden()
+        brindle.bring_back()
+        wait_for_value(lambda: self.place(brindle), (300, 250, 500, 240), "the new place again")
+
+    def test_a_stored_place_off_every_screen_is_shown_on_one_and_kept_in_the_settings(self):
+        path = datafile.create(self.home.path("tasks.bdl"), "First")
+        self.home.write_settings("[General]\nautomaticactivation=false\n\n"
+                                 "[HierarchyWindow]\npos=@Point(5000 4000)\nsize=@Size(400 220)\n\n"
+                                 f"[loadfiles]\n0={path}\n")
+        brindle = self.start()
+        x, y, width, height = wait_for(lambda: self.place(brindle), "the window")
+        self.assertEqual((width, height), (400, 220))
+        self.assertTrue(0 <= x <= 1280 - width and 0 <= y <= 800 - height, (x, y))
+        # Longer than the pause after which a move would be stored.
+        stays(lambda: self.home.stored_place() == (5000, 4000, 400, 220), "the stored place", 2)
+
+    def test_long_texts_around_never_widen_the_window(self):
+        long = "A neighbour whose text goes on and on " * 8
+        path = datafile.create(self.home.path("a" * 90 + ".bdl"), Entry(long, long + "child",
+                               "Short", long + "last"), long + "next")
+        brindle = self.start_with(path)
+        start = self.place(brindle)
+        for key in ("ctrl+l", "ctrl+l", "ctrl+j", "ctrl+j", "ctrl+h", "ctrl+j", "ctrl+k", "ctrl+h"):
+            mark = brindle.log_mark()
+            brindle.keys(key)
+            brindle.wait_for_log("brindle.ui.commands", mark)
+            brindle.wait_until_in_front()
+            self.assertEqual(self.place(brindle), start, f"after {key}")
+        stays(lambda: self.place(brindle) == start, "the size stays", 1)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/PcKeyboardSupport.h"
+
+#include <QList>
+#include <QPointer>
+#include <QStringList>
+#include <QWindow>
+
+/// A desktop under the test's control: says what the test tells it and notes what it is asked to
+/// do. Keys are named as on the real one.
+class RecordingNativeSupport : public PcKeyboardSupport
+{
+public:
+    bool areWeFrontProcess() override
+    {
+        ++frontQuestions;
+        return areWeFront;
+    }
+    void captureFrontProcessForRestore() override
+    {
+        ++captures;
+        calls.append(QStringLiteral("capture"));
+    }
+    void restoreCapturedProcess() override
+    {
+        ++restores;
+        calls.append(QStringLiteral("restore"));
+    }
+    void setActivationHotkey(unsigned int virtualKey) override
+    {
+        hotkeys.append(virtualKey);
+        calls.append(QStringLiteral("hotkey"));
+    }
+    void requestFront(QWindow *window) override { frontRequests.append(window); }
+
+    void pressHotkey() { emit hotKeyPressed(); }
+
+    bool areWeFront = true; ///< What areWeFrontProcess() answers.
+    int frontQuestions = 0;
+    int captures = 0;
+    int restores = 0;
+    QList<unsigned int> hotkeys; ///< Each registered native key, in order.
+    QList<QPointer<QWindow>> frontRequests;
+    QStringList calls; ///< "capture", "restore" and "hotkey" in the order they came.
+};
