@@ -282,6 +282,7 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
 {
     if (address.entryId == -1)
         throw "-1 not allowed";
+    const EntryAddress before = getCurrentAddress();
     if (!getAndWriteModifiedBodyToDb()) {
         Refusal::refuse();
         return;
@@ -290,7 +291,8 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
     // nothing changes before the target is known to exist.
     DiskStore *store = m_fileManager->getFile(address.fileIndex);
     if (!store || !store->contains(address.entryId)) {
-        postStateChange();
+        if (getCurrentAddress() != before)
+            postStateChange();
         Refusal::refuse();
         return;
     }
@@ -321,11 +323,14 @@ int HierarchyModel::fileIndexOf(const DiskStore *store) const
 // the text of another entry, or it would be written there.
 void HierarchyModel::redrawWhenItFails(const std::function<void()> &action)
 {
+    const EntryAddress before = getCurrentAddress();
     try {
         action();
     } catch (...) {
-        m_modifiedBody = m_body;
-        emit changed();
+        if (getCurrentAddress() != before) {
+            m_modifiedBody = m_body;
+            emit changed();
+        }
         throw;
     }
 }
