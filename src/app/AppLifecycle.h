@@ -53,6 +53,7 @@ private:
     void connectWindows();
     void connectEndOfSession();
     void openFilesFromCommandLine();
+    void openAndGoTo(const QString &path);
     void endAfterError(const char *text);
     void saveAndEnd();
     bool saveEverything();

@@ -78,6 +78,7 @@ bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
 void AppCommandFilter::carryOut(Command command)
 {
     logCommand(command);
+    m_mainWindow->setRegisterShortcut(false);
     switch (command) {
     case Command::DiscardChanges:
         m_fileManager->rollbackAndRestartTransactions();
