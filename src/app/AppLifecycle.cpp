@@ -6,15 +6,19 @@
 #include "app/activation/AppActivationSupport.h"
 #include "model/GlobalKeyMap.h"
 #include "model/HierarchyModel.h"
+#include "model/TodoListModel.h"
 #include "platform/NativeSupport.h"
+#include "shared/Maker.h"
 #include "shared/ProgramEnd.h"
-#include "shared/Refusal.h"
 #include "shared/TextGuard.h"
 #include "shared/TextHelpers.h"
 #include "shared/Version.h"
 #include "store/FileManager.h"
 #include "ui/AppCommandFilter.h"
+#include "ui/CheckForUpdates.h"
+#include "ui/FindWindow.h"
 #include "ui/HierarchyWindow.h"
+#include "ui/TodoListWindow.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -54,6 +58,8 @@ void AppLifecycle::startup()
     setIdentity();
     QApplication::setQuitOnLastWindowClosed(false);
     m_activationSupport = std::make_unique<AppActivationSupport>(m_nativeSupport);
+    if (!becomeTheOneInstance())
+        return;
     showSplashScreen();
     clearLegacySettings();
     m_activationSupport->installHotkey();
@@ -65,12 +71,25 @@ void AppLifecycle::startup()
     m_startupDone = true;
     if (m_splashDone)
         activate();
+    m_activationSupport->acceptRequests();
+}
+
+bool AppLifecycle::becomeTheOneInstance()
+{
+    try {
+        if (!m_activationSupport->checkForOtherInstances())
+            return true;
+        endProgram();
+    } catch (const char *text) {
+        endAfterError(text);
+    }
+    return false;
 }
 
 void AppLifecycle::setIdentity()
 {
     QCoreApplication::setOrganizationName(u"Osterlane"_s);
-    QCoreApplication::setOrganizationDomain(QStringLiteral(BRINDLE_MAKER_DOMAIN));
+    QCoreApplication::setOrganizationDomain(QString::fromLatin1(Maker::domain));
     QCoreApplication::setApplicationName(u"Brindle"_s);
     QApplication::setWindowIcon(QIcon(u":/images/brindle.png"_s));
 }
@@ -122,9 +141,7 @@ bool AppLifecycle::createComponents()
             createModelsAndWindows();
             return true;
         } catch (const DiskStore::FileException &e) {
-            m_commandFilter.reset();
-            m_mainWindow.reset();
-            m_hierarchyModel.reset();
+            dropModelsAndWindows();
             m_fileManager->fileError(e);
         } catch (const char *text) {
             endAfterError(text);
@@ -143,34 +160,106 @@ void AppLifecycle::endAfterError(const char *text)
 
 void AppLifecycle::createModelsAndWindows()
 {
+    m_todoListModel = std::make_unique<TodoListModel>(m_fileManager.get());
+    m_todoListWindow = std::make_unique<TodoListWindow>(m_todoListModel.get());
     m_hierarchyModel = std::make_unique<HierarchyModel>(m_fileManager.get());
     m_mainWindow = std::make_unique<HierarchyWindow>(
         m_hierarchyModel.get(), m_activationSupport.get(),
         static_cast<int>(m_nativeSupport->getShortcutModifier().toInt()),
         m_nativeSupport->getShortcutModifierKey());
-    m_commandFilter = std::make_unique<AppCommandFilter>(m_fileManager.get(), m_mainWindow.get(),
-                                                         m_hierarchyModel.get(), m_nativeSupport,
-                                                         m_activationSupport.get());
+    m_findWindow = std::make_unique<FindWindow>(m_fileManager.get(), nullptr);
+    m_commandFilter = std::make_unique<AppCommandFilter>(
+        m_fileManager.get(), m_mainWindow.get(), m_hierarchyModel.get(), m_todoListWindow.get(),
+        m_findWindow.get(), m_nativeSupport, m_activationSupport.get());
     m_app->installEventFilter(m_commandFilter.get());
 }
 
+void AppLifecycle::dropModelsAndWindows()
+{
+    m_commandFilter.reset();
+    m_findWindow.reset();
+    m_mainWindow.reset();
+    m_hierarchyModel.reset();
+    m_todoListWindow.reset();
+    m_todoListModel.reset();
+}
+
+// The order counts where one signal has two receivers: an entry is on the list before the list
+// shows it, and the main window is in front before the model goes to the entry.
 void AppLifecycle::connectComponents()
 {
-    connect(m_activationSupport.get(), &AppActivationSupport::requestTermination, this,
-            &AppLifecycle::exitOnRequest);
-    connect(m_nativeSupport, &NativeSupport::hotKeyPressed, m_activationSupport.get(),
-            &AppActivationSupport::toggleActivationWithProcessHandling);
-    connect(m_commandFilter.get(), &AppCommandFilter::requestAppDeactivation,
-            m_activationSupport.get(), qOverload<>(&AppActivationSupport::deactivateApp));
-    connect(m_fileManager.get(), &FileManager::transactionRollback, m_hierarchyModel.get(),
-            &HierarchyModel::tryToResetStateAfterDbRollback);
-    connect(m_hierarchyModel.get(), &HierarchyModel::changed, m_mainWindow.get(),
-            &HierarchyWindow::refresh);
-    connect(m_hierarchyModel.get(), &HierarchyModel::requestBodyUpdate, m_mainWindow.get(),
-            &HierarchyWindow::updateModelBody);
-    connect(m_hierarchyModel.get(), &HierarchyModel::requestAppDeactivation,
-            m_activationSupport.get(), qOverload<>(&AppActivationSupport::deactivateApp));
+    connectActivation();
+    connectModels();
+    connectWindows();
+    connectEndOfSession();
+}
 
+void AppLifecycle::connectActivation()
+{
+    AppActivationSupport *activation = m_activationSupport.get();
+    const auto deactivate = qOverload<>(&AppActivationSupport::deactivateApp);
+    connect(activation, &AppActivationSupport::requestTermination, m_commandFilter.get(), [this] {
+        guardAgainstTexts(lcApp(), "exitApplication",
+                          [this] { m_commandFilter->exitApplication(); });
+    });
+    connect(activation, &AppActivationSupport::activationChanged, m_todoListWindow.get(),
+            &AbstractWindow::hideOnDeactivate);
+    connect(activation, &AppActivationSupport::activationChanged, m_findWindow.get(),
+            &AbstractWindow::hideOnDeactivate);
+    connect(m_nativeSupport, &NativeSupport::hotKeyPressed, activation,
+            &AppActivationSupport::toggleActivationWithProcessHandling);
+    connect(m_commandFilter.get(), &AppCommandFilter::requestAppDeactivation, activation,
+            deactivate);
+    connect(m_hierarchyModel.get(), &HierarchyModel::requestAppDeactivation, activation,
+            deactivate);
+}
+
+void AppLifecycle::connectModels()
+{
+    FileManager *files = m_fileManager.get();
+    HierarchyModel *hierarchy = m_hierarchyModel.get();
+    TodoListModel *todos = m_todoListModel.get();
+    connect(files, &FileManager::transactionRollback, hierarchy,
+            &HierarchyModel::tryToResetStateAfterDbRollback);
+    connect(files, &FileManager::transactionRollback, todos,
+            &TodoListModel::tryToResetStateAfterDbRollback);
+    connect(hierarchy, &HierarchyModel::changed, m_mainWindow.get(), &HierarchyWindow::refresh);
+    connect(hierarchy, &HierarchyModel::requestBodyUpdate, m_mainWindow.get(),
+            &HierarchyWindow::updateModelBody);
+    connect(hierarchy, &HierarchyModel::addEntryToTodoListAndShow, todos, &TodoListModel::addTodo);
+    connect(hierarchy, &HierarchyModel::addEntryToTodoListAndShow, m_todoListWindow.get(),
+            &TodoListWindow::showWindow);
+    connect(hierarchy, &HierarchyModel::entryStateChanged, todos,
+            &TodoListModel::entryStateChanged);
+    connect(hierarchy, &HierarchyModel::entryBodyChanged, todos, &TodoListModel::entryBodyChanged);
+    connect(hierarchy, &HierarchyModel::entryDeleted, todos, &TodoListModel::entryDeleted);
+    // A result that is gone must not stay on the screen.
+    connect(hierarchy, &HierarchyModel::entryDeleted, m_findWindow.get(),
+            &FindWindow::searchAgainIfShown);
+    connect(todos, &TodoListModel::jumpToEntryInTodoList, m_todoListWindow.get(),
+            &TodoListWindow::showWindow);
+}
+
+void AppLifecycle::connectWindows()
+{
+    const auto activateMainWindow = [this] { m_mainWindow->activate(); };
+    const auto goToEntry = [this](EntryAddress address) { m_hierarchyModel->goToEntry(address); };
+    connect(m_todoListWindow.get(), &TodoListWindow::jumpToEntryInHierarchy, m_mainWindow.get(),
+            activateMainWindow);
+    connect(m_todoListWindow.get(), &TodoListWindow::jumpToEntryInHierarchy, m_hierarchyModel.get(),
+            goToEntry);
+    connect(m_findWindow.get(), &FindWindow::jumpToEntryInHierarchy, m_mainWindow.get(),
+            activateMainWindow);
+    connect(m_findWindow.get(), &FindWindow::jumpToEntryInHierarchy, m_hierarchyModel.get(),
+            goToEntry);
+    connect(m_todoListWindow.get(), &AbstractWindow::hiding, m_mainWindow.get(),
+            &HierarchyWindow::activate);
+    connect(m_findWindow.get(), &AbstractWindow::hiding, m_mainWindow.get(),
+            &HierarchyWindow::activate);
+}
+
+void AppLifecycle::connectEndOfSession()
+{
     const auto *signalReceiver = new TerminationSignals(this);
     connect(signalReceiver, &TerminationSignals::received, this, &AppLifecycle::saveAndEnd);
     // The session waits for the answer, so this can't be queued.
@@ -233,22 +322,13 @@ void AppLifecycle::activate()
         m_splash->finish(m_mainWindow.get());
     else
         m_splash->close();
+    m_updateCheck = std::make_unique<CheckForUpdates>(m_mainWindow.get());
 }
 
 void AppLifecycle::shutdown()
 {
     m_fileManager.reset();
     m_activationSupport.reset();
-}
-
-void AppLifecycle::exitOnRequest()
-{
-    guardAgainstTexts(lcApp(), "exitOnRequest", [this] {
-        if (m_hierarchyModel->getAndWriteModifiedBodyToDb())
-            m_fileManager->promptUserToMaybeSaveChangesAndExit();
-        else
-            Refusal::refuse();
-    });
 }
 
 void AppLifecycle::saveAndEnd()

@@ -8,11 +8,15 @@
 
 class AppActivationSupport;
 class AppCommandFilter;
+class CheckForUpdates;
 class FileManager;
+class FindWindow;
 class HierarchyModel;
 class HierarchyWindow;
 class NativeSupport;
 class QApplication;
+class TodoListModel;
+class TodoListWindow;
 
 /// Builds every component in order inside the event loop, wires them together, shows the splash
 /// screen and takes the long-lived owners down when the program ends.
@@ -36,15 +40,20 @@ public slots:
 
 private:
     void setIdentity();
+    bool becomeTheOneInstance();
     void clearLegacySettings();
     void showSplashScreen();
     bool openFileSet();
     bool createComponents();
     void createModelsAndWindows();
+    void dropModelsAndWindows();
     void connectComponents();
+    void connectActivation();
+    void connectModels();
+    void connectWindows();
+    void connectEndOfSession();
     void openFilesFromCommandLine();
     void endAfterError(const char *text);
-    void exitOnRequest();
     void saveAndEnd();
     bool saveEverything();
 
@@ -52,9 +61,13 @@ private:
     NativeSupport *m_nativeSupport;
     std::unique_ptr<AppActivationSupport> m_activationSupport;
     std::unique_ptr<FileManager> m_fileManager;
+    std::unique_ptr<TodoListModel> m_todoListModel;
+    std::unique_ptr<TodoListWindow> m_todoListWindow;
     std::unique_ptr<HierarchyModel> m_hierarchyModel;
     std::unique_ptr<HierarchyWindow> m_mainWindow;
+    std::unique_ptr<FindWindow> m_findWindow;
     std::unique_ptr<AppCommandFilter> m_commandFilter;
+    std::unique_ptr<CheckForUpdates> m_updateCheck;
     std::unique_ptr<SplashScreen> m_splash;
     QTimer m_splashTimer{this};
     int m_splashState = -1;

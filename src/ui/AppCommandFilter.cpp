@@ -1,12 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "ui/AppCommandFilter.h"
 
+#include "app/activation/AppActivationSupport.h"
 #include "model/HierarchyModel.h"
+#include "platform/NativeSupport.h"
 #include "shared/Refusal.h"
 #include "shared/TextGuard.h"
 #include "store/FileManager.h"
 #include "ui/CommandLog.h"
+#include "ui/CreateReportDialog.h"
+#include "ui/FindWindow.h"
+#include "ui/Help.h"
+#include "ui/HierarchyWindow.h"
 #include "ui/KeyPress.h"
+#include "ui/Settings.h"
+#include "ui/TodoListWindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -34,34 +42,23 @@ bool isNeverRepeated(Command command)
 {
     return command == Command::Exit || command == Command::DiscardChanges;
 }
-
-const char *nameOf(Command command)
-{
-    switch (command) {
-    case Command::ActivateTodoListWindow:
-        return "ActivateTodoListWindow";
-    case Command::ShowFindWindow:
-        return "ShowFindWindow";
-    case Command::ShowCreateReportDialog:
-        return "ShowCreateReportDialog";
-    case Command::ShowSettingsDialog:
-        return "ShowSettingsDialog";
-    default:
-        return "ShowHelp";
-    }
-}
 } // namespace
 
 AppCommandFilter::AppCommandFilter(FileManager *fileManager, HierarchyWindow *mainWindow,
-                                   HierarchyModel *model, NativeSupport *nativeSupport,
+                                   HierarchyModel *model, TodoListWindow *todoListWindow,
+                                   FindWindow *findWindow, NativeSupport *nativeSupport,
                                    AppActivationSupport *activationSupport)
     : m_fileManager(fileManager)
-    , m_model(model)
     , m_mainWindow(mainWindow)
+    , m_model(model)
+    , m_todoListWindow(todoListWindow)
+    , m_findWindow(findWindow)
     , m_nativeSupport(nativeSupport)
     , m_activationSupport(activationSupport)
 {
 }
+
+AppCommandFilter::~AppCommandFilter() = default;
 
 bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
 {
@@ -85,24 +82,51 @@ void AppCommandFilter::carryOut(Command command)
     case Command::DiscardChanges:
         m_fileManager->rollbackAndRestartTransactions();
         break;
-    case Command::Exit:
-        exitApplication();
+    case Command::ActivateTodoListWindow:
+        bringForward();
+        m_todoListWindow->showWindow(EntryAddress());
+        break;
+    case Command::ShowFindWindow:
+        bringForward();
+        m_findWindow->activateAndSelectQuery();
+        break;
+    case Command::ShowCreateReportDialog:
+        showWindow(m_createReportDialog, m_fileManager);
+        break;
+    case Command::ShowSettingsDialog:
+        showWindow(m_settings, m_activationSupport);
+        break;
+    case Command::ShowHelp:
+        showWindow(m_help, m_nativeSupport);
         break;
     default:
-        refuseUnavailable(command);
+        exitApplication();
     }
+}
+
+// A dialog can outlive the application's stepping back; what it opens would be hidden at once.
+void AppCommandFilter::bringForward()
+{
+    if (!m_activationSupport->isAppActive())
+        m_activationSupport->activateApp(true);
+}
+
+template <typename Window, typename Source>
+void AppCommandFilter::showWindow(std::unique_ptr<Window> &window, Source *source)
+{
+    bringForward();
+    if (!window) {
+        window = std::make_unique<Window>(source, nullptr);
+        connect(window.get(), &AbstractWindow::hiding, m_mainWindow, &HierarchyWindow::activate);
+    }
+    window->restoreShowAndActivate();
 }
 
 void AppCommandFilter::exitApplication()
 {
-    if (m_model->getAndWriteModifiedBodyToDb())
-        m_fileManager->promptUserToMaybeSaveChangesAndExit();
-    else
+    // A request from outside can come while a box is open, which is answered first.
+    if (QApplication::activeModalWidget() || !m_model->getAndWriteModifiedBodyToDb())
         Refusal::refuse();
-}
-
-void AppCommandFilter::refuseUnavailable(Command command)
-{
-    qCDebug(lcCommands).nospace() << "command not available yet: " << nameOf(command);
-    Refusal::refuse();
+    else
+        m_fileManager->promptUserToMaybeSaveChangesAndExit();
 }

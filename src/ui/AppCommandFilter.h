@@ -4,13 +4,19 @@
 #include "model/Command.h"
 
 #include <QObject>
+#include <memory>
 
+class AbstractWindow;
 class AppActivationSupport;
+class CreateReportDialog;
 class FileManager;
+class FindWindow;
+class Help;
 class HierarchyModel;
 class HierarchyWindow;
 class NativeSupport;
-class QKeyEvent;
+class Settings;
+class TodoListWindow;
 
 /// Event filter of the application object: it carries out the few commands that work whichever
 /// window has the keyboard, and leaves all other keys to that window.
@@ -21,9 +27,16 @@ class AppCommandFilter : public QObject
 public:
     /// All objects are borrowed and must outlive this one.
     AppCommandFilter(FileManager *fileManager, HierarchyWindow *mainWindow, HierarchyModel *model,
+                     TodoListWindow *todoListWindow, FindWindow *findWindow,
                      NativeSupport *nativeSupport, AppActivationSupport *activationSupport);
+    ~AppCommandFilter() override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;
+
+public slots:
+    /// Writes the edited text and ends the program, asking about unsaved changes; refused while a
+    /// message box waits for an answer.
+    void exitApplication();
 
 signals:
     /// Never emitted so far; a way for a later command to hide the application.
@@ -31,13 +44,20 @@ signals:
 
 private:
     void carryOut(Command command);
-    void exitApplication();
-    void refuseUnavailable(Command command);
+    void bringForward();
+    template <typename Window, typename Source>
+    void showWindow(std::unique_ptr<Window> &window, Source *source);
 
     FileManager *m_fileManager;
+    HierarchyWindow *m_mainWindow;
     HierarchyModel *m_model;
-    // For the windows that are made when their command is first given.
-    [[maybe_unused]] HierarchyWindow *m_mainWindow;
-    [[maybe_unused]] NativeSupport *m_nativeSupport;
-    [[maybe_unused]] AppActivationSupport *m_activationSupport;
+    TodoListWindow *m_todoListWindow;
+    FindWindow *m_findWindow;
+    NativeSupport *m_nativeSupport;
+    AppActivationSupport *m_activationSupport;
+
+    // Made when their command is first given, and kept.
+    std::unique_ptr<Help> m_help;
+    std::unique_ptr<CreateReportDialog> m_createReportDialog;
+    std::unique_ptr<Settings> m_settings;
 };

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QLocalServer>
 #include <QSettings>
 #include <algorithm>
 

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/activation/InstanceEndpoint.h"
 #include "app/activation/LongTimer.h"
 
+#include <QList>
 #include <QObject>
 #include <QTimer>
+#include <memory>
 
 class NativeSupport;
+class QLocalServer;
+class QLocalSocket;
 class QWindow;
 
 /// Whether the application is in front (active) or in the background, and what changes that: the
@@ -43,6 +48,21 @@ public:
     void setHotkeyKey(int key, unsigned int nativeVirtualKey);
     /// @}
 
+    /// \name Single instance
+    /// @{
+    /// Asks a running copy, if there is one, what the user wants of it. \return true when this
+    /// process must quit now, false when it is the one copy from now on.
+    /// \throws const char* when a running copy doesn't answer.
+    bool checkForOtherInstances();
+    /// \return 0 activate, 1 terminate, 2 leave the running copy of version \a major.\a minor
+    /// alone.
+    int promptUserForExistingInstanceAction(int major, int minor);
+    int promptUserForExistingInstanceActionInner(const QString &text, const QString &secondLabel,
+                                                 const QString &firstLabel);
+    /// From now on requests of other copies take effect at once; what came before is carried out.
+    void acceptRequests();
+    /// @}
+
     void installHotkey();
     QString getActivationHotkeyPrefix() const;
 
@@ -55,6 +75,8 @@ public:
 
 public slots:
     void confirmAppActivation();
+    void instanceServerConnection();
+    void bytesReceived();
     void activateApp(bool captureOrRestoreFrontProcess);
     void activateApp();
     void toggleActivationWithProcessHandling();
@@ -68,10 +90,19 @@ signals:
     void requestTermination();
 
 private:
+    enum class Request { Activate, Terminate };
+
     void startActivationTimer(bool accelerateReactivation);
+    bool startInstanceServer();
+    bool askRunningInstance(QLocalSocket &socket);
+    void handleRequest(Request request);
 
     bool m_active = false;
     LongTimer m_activationTimer{this};
     QTimer m_confirmTimer{this};
     NativeSupport *m_nativeSupport;
+    InstanceEndpoint m_endpoint;
+    std::unique_ptr<QLocalServer> m_instanceServer;
+    bool m_acceptingRequests = false;
+    QList<Request> m_earlyRequests; ///< Came while start-up was still busy.
 };

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLockFile>
+#include <QString>
+#include <memory>
+
+/// Where the running copy listens: a socket in the user's private runtime folder, guarded by a lock
+/// file beside it, so that of two copies started at once only one becomes the server.
+class InstanceEndpoint
+{
+public:
+    /// Makes the folder, private to the user, when it is missing.
+    InstanceEndpoint();
+
+    /// Full path of the socket.
+    QString socketPath() const;
+
+    /// Tries to become the one copy that may listen; held for this object's life. A lock of a
+    /// process that no longer lives doesn't count.
+    bool claim();
+
+private:
+    QString m_folder;
+    std::unique_ptr<QLockFile> m_lock;
+};
