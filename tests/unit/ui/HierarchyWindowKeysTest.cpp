@@ -44,6 +44,8 @@ private slots:
     void commandsReachTheModelAndTheEditorKeepsTheKeyboard();
     void everyWindowCommandIsReachedByItsCombination_data();
     void everyWindowCommandIsReachedByItsCombination();
+    void shiftedSymbolsOfX11MeanTheirKey_data();
+    void shiftedSymbolsOfX11MeanTheirKey();
     void modifiersAreThoseHeldAtTheMoment();
     void unboundCombinationsAreLeftToTheDialog();
     void returnSavesAndHides();
@@ -93,7 +95,7 @@ void HierarchyWindowKeysTest::everyWindowCommandIsReachedByItsCombination_data()
     QTest::addColumn<int>("command");
     const auto row
         = [](const char *name, int key, Qt::KeyboardModifiers modifiers, Command command) {
-              QTest::newRow(name) << key << modifiers.toInt() << static_cast<int>(command);
+              QTest::newRow(name) << key << int(modifiers.toInt()) << static_cast<int>(command);
           };
     row("Ctrl+H", Qt::Key_H, ctrl, Command::GoToParent);
     row("Ctrl+[", Qt::Key_BracketLeft, ctrl, Command::GoToFirst);
@@ -137,12 +139,39 @@ void HierarchyWindowKeysTest::everyWindowCommandIsReachedByItsCombination()
         QVERIFY(desk.editor()->hasFocus());
 }
 
+void HierarchyWindowKeysTest::shiftedSymbolsOfX11MeanTheirKey_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<quint32>("code");
+    QTest::addColumn<int>("command");
+    QTest::newRow("Ctrl+Shift+[") << int(Qt::Key_BraceLeft) << KeyCode::bracketLeft
+                                  << int(Command::MoveCurrentToTop);
+    QTest::newRow("Ctrl+Shift+]") << int(Qt::Key_BraceRight) << KeyCode::bracketRight
+                                  << int(Command::MoveCurrentToBottom);
+    QTest::newRow("Ctrl+Shift+=") << int(Qt::Key_Plus) << KeyCode::equal
+                                  << int(Command::AddEntryToTodoListAndShow);
+}
+
+void HierarchyWindowKeysTest::shiftedSymbolsOfX11MeanTheirKey()
+{
+    QFETCH(int, key);
+    QFETCH(quint32, code);
+    QFETCH(int, command);
+    Outline desk;
+    desk.goTo(desk.second);
+    const LogLines log;
+    desk.pressNative(key, code, ctrlShift, QString(QChar(key)));
+    QCOMPARE(log.count(u"command "_s), 1);
+    QVERIFY(log.all().contains(u"command %1"_s.arg(command)));
+    QCOMPARE(desk.editor()->toPlainText(), u"second"_s);
+}
+
 void HierarchyWindowKeysTest::modifiersAreThoseHeldAtTheMoment()
 {
     Outline desk;
-    // Sent to the window itself, an event leaves the modifiers held as they are: none.
+    // Past the application object, which would note the event's modifiers as those held.
     QKeyEvent event(QEvent::KeyPress, Qt::Key_J, Qt::ControlModifier);
-    QCoreApplication::sendEvent(desk.window.get(), &event);
+    static_cast<QObject *>(desk.window.get())->event(&event);
     QCOMPARE(desk.model.getBody(), u"first"_s);
 }
 
@@ -300,7 +329,8 @@ void HierarchyWindowKeysTest::registerModeModifierAndLockKeysAreNoKey()
     for (const int key : {int(Qt::Key_Shift), int(Qt::Key_Control), int(Qt::Key_Alt),
                           int(Qt::Key_AltGr), int(Qt::Key_Meta), int(Qt::Key_CapsLock)}) {
         // The press of a modifier comes before the modifier counts as held.
-        desk.press(key);
+        QTest::sendKeyEvent(QTest::Click, desk.window->windowHandle(), static_cast<Qt::Key>(key),
+                            QString(), Qt::NoModifier);
         QVERIFY(desk.registering());
         QVERIFY(!desk.isBound(key));
     }
@@ -404,10 +434,7 @@ void HierarchyWindowKeysTest::shortcutKeyIsFoundThroughItsOtherMeanings()
 {
     Outline desk;
     desk.files.getFile(0)->registerShortcut(desk.third, Qt::Key_F, u"F"_s);
-    QTest::keyPress(desk.window->windowHandle(), Qt::Key_Alt, Qt::AltModifier);
-    constexpr quint32 codeOfF = 41;
-    QKeyEvent event(QEvent::KeyPress, 0x410, Qt::AltModifier, codeOfF, 0x6c1, 0, u"\u0430"_s);
-    QCoreApplication::sendEvent(desk.window->windowHandle(), &event);
+    desk.pressNative(0x410, KeyCode::f, Qt::AltModifier, u"\u0430"_s);
     QCOMPARE(desk.editor()->toPlainText(), u"third"_s);
     QCOMPARE(desk.refusals->count(), 0);
 }
