@@ -15,7 +15,9 @@ namespace
 constexpr qsizetype blanksPerLevel = 2;
 constexpr qsizetype averageLineLength = 60;
 
-/// The widths of the columns are those of this moment: two digits everywhere.
+constexpr qsizetype weekdayWidth = 3;
+
+/// The widths of date and time are those of this moment: two digits everywhere.
 const QDate sampleDate(2009, 11, 13);
 const QTime sampleTime(11, 24, 25, 777);
 
@@ -37,7 +39,7 @@ ReportBuilder::ReportBuilder(const FileManager *files, QLocale locale, const QTi
     , m_timeFormat(m_locale.timeFormat(QLocale::ShortFormat).trimmed())
     , m_dateWidth(m_locale.toString(sampleDate, m_dateFormat).size())
     , m_timeWidth(m_locale.toString(sampleTime, m_timeFormat).size())
-    , m_blankColumns(4 + m_dateWidth + 1 + m_timeWidth, u' ')
+    , m_blankColumns(weekdayWidth + 1 + m_dateWidth + 1 + m_timeWidth, u' ')
 {
 }
 
@@ -99,7 +101,7 @@ QString ReportBuilder::columns(const QDateTime &doneDate) const
     if (!doneDate.isValid())
         return m_blankColumns;
     const QDateTime local = m_zone.isValid() ? doneDate.toTimeZone(m_zone) : doneDate.toLocalTime();
-    return m_locale.toString(local.date(), u"ddd"_s) + u' '
+    return m_locale.toString(local.date(), u"ddd"_s).leftJustified(weekdayWidth) + u' '
         + m_locale.toString(local.date(), m_dateFormat).rightJustified(m_dateWidth) + u' '
         + m_locale.toString(local.time(), m_timeFormat).rightJustified(m_timeWidth);
 }
