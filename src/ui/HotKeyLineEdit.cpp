@@ -11,7 +11,7 @@ Settings::HotKeyLineEdit::HotKeyLineEdit(Settings *settings)
     , m_settings(settings)
 {
     setFocusPolicy(Qt::ClickFocus);
-    // The mouse must not paste a text that names no key.
+    // Neither the mouse nor an input method may put in a text that names no key.
     setReadOnly(true);
     setContextMenuPolicy(Qt::NoContextMenu);
 }
