@@ -391,8 +391,14 @@ void HierarchyModel::goToNeighbourOfClosedFile(int index)
     m_modifiedBody = m_body;
     m_currentFileIndex = std::min(index, m_fileManager->getFileCount());
     takeNeighbours(Neighbour(), Neighbour());
-    const int next = std::min(index, m_fileManager->getFileCount() - 1);
-    goToFileRoot(std::max(next, 0), next < 0);
+    for (int next = std::min(index, m_fileManager->getFileCount() - 1); next >= 0; --next) {
+        const auto goToNext = [this, next] { goToFileRoot(next, false); };
+        guardAgainstFileErrors(lcModel(), "goToNeighbourOfClosedFile", [&] {
+            guardAgainstTexts(lcModel(), "goToNeighbourOfClosedFile", goToNext);
+        });
+        if (m_diskStore)
+            return;
+    }
 }
 
 void HierarchyModel::tryToResetStateAfterDbRollback()
