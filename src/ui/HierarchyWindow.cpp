@@ -169,7 +169,7 @@ void HierarchyWindow::registerPressedKey(const QKeyEvent &event, Qt::KeyboardMod
             Refusal::refuse();
         return;
     }
-    if (key == 0 || key == Qt::Key_unknown || m_model->isShortcutRegistered(key, true)) {
+    if (m_model->isShortcutRegistered(key, true)) {
         Refusal::refuse();
         setRegisterShortcut(true);
         return;

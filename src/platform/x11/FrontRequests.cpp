@@ -40,29 +40,29 @@ void FrontRequests::request(QWindow *window)
 
 void FrontRequests::waitFor(QWindow *window)
 {
-    if (m_waitingFor)
-        m_waitingFor->removeEventFilter(this);
-    m_waitingFor = window;
+    if (m_waitingFor.contains(window))
+        return;
+    m_waitingFor.append(window);
     window->installEventFilter(this);
-    QTimer::singleShot(longestWaitMs, window, [this, window, self = QPointer(this)] {
-        if (self && m_waitingFor == window)
-            send(window);
+    QTimer::singleShot(longestWaitMs, window, [window, self = QPointer(this)] {
+        if (self && self->m_waitingFor.contains(window))
+            self->send(window);
     });
 }
 
 bool FrontRequests::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Expose && watched == m_waitingFor && m_waitingFor->isExposed())
-        send(m_waitingFor);
+    auto *window = qobject_cast<QWindow *>(watched);
+    if (event->type() == QEvent::Expose && window && window->isExposed())
+        send(window);
     return QObject::eventFilter(watched, event);
 }
 
 void FrontRequests::send(QWindow *window)
 {
-    if (m_waitingFor) {
-        m_waitingFor->removeEventFilter(this);
-        m_waitingFor.clear();
-    }
+    window->removeEventFilter(this);
+    m_waitingFor.removeAll(window);
+    m_waitingFor.removeAll(nullptr);
     if (!window->isVisible())
         return; // the user has dismissed it meanwhile
     m_bringForward(static_cast<quint32>(window->winId()));

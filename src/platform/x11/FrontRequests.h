@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <functional>
@@ -26,5 +27,5 @@ private:
     void send(QWindow *window);
 
     std::function<void(quint32)> m_bringForward;
-    QPointer<QWindow> m_waitingFor;
+    QList<QPointer<QWindow>> m_waitingFor;
 };

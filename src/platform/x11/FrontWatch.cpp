@@ -57,7 +57,7 @@ bool FrontWatch::isOurs(FrontWindow &front, quint32 window)
     const auto self = static_cast<quint32>(getpid());
     // A file dialog can be another process's window; it names the window that it belongs to.
     constexpr int longestChain = 8;
-    for (int i = 0; i < longestChain && window != XCB_WINDOW_NONE; ++i) {
+    for (int i = 0; i < longestChain && window != FrontWindow::noWindow; ++i) {
         if (isWindowOfToolkit(window) || front.processOf(window) == self)
             return true;
         window = front.ownerOf(window);
@@ -68,7 +68,7 @@ bool FrontWatch::isOurs(FrontWindow &front, quint32 window)
 bool FrontWatch::areWeInFront()
 {
     const xcb_window_t window = m_front.active();
-    if (window != XCB_WINDOW_NONE) {
+    if (window != FrontWindow::noWindow) {
         const bool ours = isOurs(m_front, window);
         m_wereInFront = m_wereInFront || ours;
         return ours;
@@ -89,7 +89,7 @@ void FrontWatch::expectToComeForward()
 void FrontWatch::frontChanged()
 {
     const xcb_window_t window = m_front.active();
-    if (window != XCB_WINDOW_NONE && isOurs(m_front, window)) {
+    if (window != FrontWindow::noWindow && isOurs(m_front, window)) {
         m_wereInFront = true;
         m_settling.stop();
     } else if (m_wereInFront) {

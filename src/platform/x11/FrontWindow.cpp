@@ -49,11 +49,10 @@ void FrontWindow::forgetEvents()
 xcb_window_t FrontWindow::active()
 {
     forgetEvents();
-    xcb_window_t window = XCB_NONE;
+    xcb_window_t window = noWindow;
     const auto cookie = xcb_ewmh_get_active_window(&m_ewmh, m_screen);
-    if (xcb_ewmh_get_active_window_reply(&m_ewmh, cookie, &window, nullptr) == 0)
-        return XCB_WINDOW_NONE;
-    return window;
+    const bool known = xcb_ewmh_get_active_window_reply(&m_ewmh, cookie, &window, nullptr) != 0;
+    return known ? window : noWindow;
 }
 
 quint32 FrontWindow::processOf(xcb_window_t window)
@@ -72,20 +71,20 @@ xcb_window_t FrontWindow::ownerOf(xcb_window_t window)
         xcb_get_property_reply(m_connection.get(), cookie, nullptr));
     constexpr int windowSize = sizeof(xcb_window_t);
     if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) < windowSize)
-        return XCB_WINDOW_NONE;
+        return noWindow;
     return *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
 }
 
 void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
 {
     xcb_ewmh_request_change_active_window(&m_ewmh, m_screen, window,
-                                          XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER, time, XCB_WINDOW_NONE);
+                                          XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER, time, noWindow);
     xcb_flush(m_connection.get());
 }
 
 xcb_window_t FrontWindow::clockWindow()
 {
-    if (m_clockWindow == XCB_WINDOW_NONE) {
+    if (m_clockWindow == noWindow) {
         m_clockWindow = xcb_generate_id(m_connection.get());
         const quint32 events = XCB_EVENT_MASK_PROPERTY_CHANGE;
         xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, m_clockWindow, m_root, 0, 0, 1,

@@ -14,6 +14,8 @@
 class FrontWindow
 {
 public:
+    static constexpr xcb_window_t noWindow = XCB_WINDOW_NONE;
+
     /// Null when there is no X server to talk to.
     static std::unique_ptr<FrontWindow> open();
 
@@ -23,11 +25,11 @@ public:
     xcb_window_t root() const { return m_root; }
     xcb_atom_t activeWindowAtom() const { return m_ewmh._NET_ACTIVE_WINDOW; }
 
-    /// The window in front; XCB_NONE when there is none.
+    /// The window in front; noWindow when there is none.
     xcb_window_t active();
     /// The process that owns \a window; 0 when it doesn't tell.
     quint32 processOf(xcb_window_t window);
-    /// The window that \a window belongs to as a dialog; XCB_NONE when to none.
+    /// The window that \a window belongs to as a dialog; noWindow when to none.
     xcb_window_t ownerOf(xcb_window_t window);
 
     /// Asks for \a window to be brought to the front with the keyboard, un-minimised, as a pager
@@ -50,7 +52,7 @@ private:
 
     Connection m_connection;
     int m_screen;
-    xcb_window_t m_root = XCB_NONE;
-    xcb_window_t m_clockWindow = XCB_NONE;
+    xcb_window_t m_root = noWindow;
+    xcb_window_t m_clockWindow = noWindow;
     xcb_ewmh_connection_t m_ewmh{};
 };

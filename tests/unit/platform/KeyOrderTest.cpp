@@ -83,8 +83,8 @@ void KeyOrderTest::usBracketWithShiftIsTriedUnshiftedNext()
 
 void KeyOrderTest::namedKeysMeanThemselvesInEveryLayout()
 {
-    for (const int named : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Delete, Qt::Key_Backspace,
-                            Qt::Key_F5}) {
+    for (const int named :
+         {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_F5}) {
         const PhysicalKey key{usK, {latin({Qt::Key_K, Qt::Key_K})}, 0};
         QCOMPARE(KeyOrder::keys(named, false, key), Keys{named});
     }
@@ -107,8 +107,7 @@ void KeyOrderTest::germanShiftAltGr8FallsBackToTheLevelWithoutShift()
 
 void KeyOrderTest::germanSlashAndEqualStandOnTheShiftedDigits()
 {
-    const PhysicalKey seven{
-        us7, {latin({Qt::Key_7, Qt::Key_Slash, Qt::Key_BraceLeft, 0})}, 0};
+    const PhysicalKey seven{us7, {latin({Qt::Key_7, Qt::Key_Slash, Qt::Key_BraceLeft, 0})}, 0};
     QCOMPARE(KeyOrder::keys(Qt::Key_7, false, seven), (Keys{Qt::Key_7, Qt::Key_Slash}));
     QCOMPARE(KeyOrder::keys(Qt::Key_Slash, false, seven), (Keys{Qt::Key_Slash, Qt::Key_7}));
     const PhysicalKey zero{us0, {latin({Qt::Key_0, Qt::Key_Equal, Qt::Key_BraceRight, 0})}, 0};
@@ -145,8 +144,7 @@ void KeyOrderTest::frenchDeadKeyLendsTheUsBracket()
 
 void KeyOrderTest::frenchBracketStandsOnAltGr5()
 {
-    const PhysicalKey key{
-        us5, {latin({Qt::Key_ParenLeft, Qt::Key_5, Qt::Key_BracketLeft, 0})}, 0};
+    const PhysicalKey key{us5, {latin({Qt::Key_ParenLeft, Qt::Key_5, Qt::Key_BracketLeft, 0})}, 0};
     QCOMPARE(KeyOrder::keys(Qt::Key_BracketLeft, true, key), Keys{Qt::Key_BracketLeft});
     QVERIFY(!KeyOrder::keys(Qt::Key_ParenLeft, false, key).contains(Qt::Key_BracketLeft));
 }
@@ -169,18 +167,18 @@ void KeyOrderTest::dvorakLetterKeysLendNothing()
 
 void KeyOrderTest::russianBesideUsIsReadAsUs()
 {
-    const PhysicalKey key{usK,
-                          {latin({Qt::Key_K, Qt::Key_K}), cyrillic({cyrillicEl, cyrillicEl})}, 1};
+    const PhysicalKey key{
+        usK, {latin({Qt::Key_K, Qt::Key_K}), cyrillic({cyrillicEl, cyrillicEl})}, 1};
     QCOMPARE(KeyOrder::keys(cyrillicEl, false, key), (Keys{Qt::Key_K, cyrillicEl}));
     QCOMPARE(KeyOrder::keys(Qt::Key_K, false, key), Keys{Qt::Key_K});
 }
 
 void KeyOrderTest::russianSlashBesideUsIsNotPeriod()
 {
-    const PhysicalKey key{usSlash,
-                          {latin({Qt::Key_Slash, Qt::Key_Question}),
-                           cyrillic({Qt::Key_Period, Qt::Key_Comma})},
-                          1};
+    const PhysicalKey key{
+        usSlash,
+        {latin({Qt::Key_Slash, Qt::Key_Question}), cyrillic({Qt::Key_Period, Qt::Key_Comma})},
+        1};
     QCOMPARE(KeyOrder::keys(Qt::Key_Period, false, key),
              (Keys{Qt::Key_Slash, Qt::Key_Question, Qt::Key_Period}));
     QCOMPARE(KeyOrder::keys(Qt::Key_Comma, false, key).first(), int(Qt::Key_Slash));
@@ -202,15 +200,13 @@ void KeyOrderTest::russianAloneSlashIsNotPeriod()
 
 void KeyOrderTest::russianBesideFrenchIsReadAsFrench()
 {
-    const PhysicalKey key{usQ,
-                          {cyrillic({0x419, 0x419}), latin({Qt::Key_A, Qt::Key_A})}, 0};
+    const PhysicalKey key{usQ, {cyrillic({0x419, 0x419}), latin({Qt::Key_A, Qt::Key_A})}, 0};
     QCOMPARE(KeyOrder::keys(0x419, false, key), (Keys{Qt::Key_A, 0x419}));
 }
 
 void KeyOrderTest::twoLatinLayoutsLendNoLettersToEachOther()
 {
-    const PhysicalKey key{
-        usQ, {latin({Qt::Key_Q, Qt::Key_Q}), latin({Qt::Key_A, Qt::Key_A})}, 1};
+    const PhysicalKey key{usQ, {latin({Qt::Key_Q, Qt::Key_Q}), latin({Qt::Key_A, Qt::Key_A})}, 1};
     QCOMPARE(KeyOrder::keys(Qt::Key_A, false, key), Keys{Qt::Key_A});
     const PhysicalKey semicolon{
         47, {latin({Qt::Key_Semicolon, Qt::Key_Colon}), latin({Qt::Key_S, Qt::Key_S})}, 0};
@@ -219,8 +215,7 @@ void KeyOrderTest::twoLatinLayoutsLendNoLettersToEachOther()
 
 void KeyOrderTest::aSymbolOfAnotherLatinLayoutCountsAfterTheActiveOne()
 {
-    const PhysicalKey key{
-        us2, {latin({Qt::Key_2, Qt::Key_At}), latin({eAcute, Qt::Key_2})}, 0};
+    const PhysicalKey key{us2, {latin({Qt::Key_2, Qt::Key_At}), latin({eAcute, Qt::Key_2})}, 0};
     QCOMPARE(KeyOrder::keys(Qt::Key_2, false, key), (Keys{Qt::Key_2, Qt::Key_At, eAcute}));
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "fakes/RecordingNativeSupport.h"
 #include "platform/NativeSupport.h"
+#include "fakes/RecordingNativeSupport.h"
 #include "platform/none/NoDesktopSupport.h"
 
 #include <QSignalSpy>

@@ -124,7 +124,7 @@ void AppCommandFilterTest::discardWorksInAnyWindow()
     other.show();
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
-    QTest::keyClick(other.windowHandle(), Qt::Key_Backspace, ctrlShift);
+    pressIn(other, Qt::Key_Backspace, ctrlShift);
     QCOMPARE(desk.storedBody(entry), QString());
     QCOMPARE(other.text(), u"query"_s);
 }
@@ -236,8 +236,7 @@ void AppCommandFilterTest::underAModalBoxCommandsAreSwallowedWithoutEffect()
     line->setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&box));
     const LogLines log;
-    QTest::keyClick(box.windowHandle(), static_cast<Qt::Key>(key),
-                    Qt::KeyboardModifiers::fromInt(modifiers));
+    pressIn(box, key, Qt::KeyboardModifiers::fromInt(modifiers));
     QCOMPARE(log.count(u"command"_s), 0);
     QCOMPARE(QApplication::activeModalWidget(), &box);
     QCOMPARE(line->text(), u"some words"_s);
@@ -250,14 +249,19 @@ void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused_data()
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<QString>("name");
-    QTest::newRow("Ctrl+E") << int(Qt::Key_E) << int(ctrl) << u"ActivateTodoListWindow"_s;
-    QTest::newRow("Ctrl+F") << int(Qt::Key_F) << int(ctrl) << u"ShowFindWindow"_s;
-    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << int(ctrl) << u"ShowCreateReportDialog"_s;
-    QTest::newRow("Ctrl+comma") << int(Qt::Key_Comma) << int(ctrl) << u"ShowSettingsDialog"_s;
-    QTest::newRow("Ctrl+slash") << int(Qt::Key_Slash) << int(ctrl) << u"ShowHelp"_s;
-    QTest::newRow("Ctrl+Shift+slash") << int(Qt::Key_Slash) << int(ctrlShift) << u"ShowHelp"_s;
+    QTest::addColumn<quint32>("code");
+    QTest::newRow("Ctrl+E") << int(Qt::Key_E) << int(ctrl) << u"ActivateTodoListWindow"_s
+                            << quint32(0);
+    QTest::newRow("Ctrl+F") << int(Qt::Key_F) << int(ctrl) << u"ShowFindWindow"_s << quint32(0);
+    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << int(ctrl) << u"ShowCreateReportDialog"_s
+                            << quint32(0);
+    QTest::newRow("Ctrl+comma") << int(Qt::Key_Comma) << int(ctrl) << u"ShowSettingsDialog"_s
+                                << quint32(0);
+    QTest::newRow("Ctrl+slash") << int(Qt::Key_Slash) << int(ctrl) << u"ShowHelp"_s << quint32(0);
+    QTest::newRow("Ctrl+Shift+slash")
+        << int(Qt::Key_Slash) << int(ctrlShift) << u"ShowHelp"_s << quint32(0);
     QTest::newRow("Ctrl+Shift+slash as X11 reports it")
-        << int(Qt::Key_Question) << int(ctrlShift) << u"ShowHelp"_s;
+        << int(Qt::Key_Question) << int(ctrlShift) << u"ShowHelp"_s << KeyCode::slash;
 }
 
 void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused()
@@ -265,13 +269,14 @@ void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused()
     QFETCH(int, key);
     QFETCH(int, modifiers);
     QFETCH(QString, name);
+    QFETCH(quint32, code);
     UiDesk desk;
     const qint64 root = desk.addFile(u"a.bdl"_s);
     const qint64 entry = desk.addEntry(root, u"text"_s, 0);
     desk.show();
     desk.goTo(entry);
     const LogLines log;
-    desk.press(key, Qt::KeyboardModifiers::fromInt(modifiers));
+    desk.pressNative(key, code, Qt::KeyboardModifiers::fromInt(modifiers));
     QCOMPARE(log.count(u"command not available yet: "_s + name), 1);
     QCOMPARE(desk.refusals->count(), 1);
     QCOMPARE(desk.editor()->toPlainText(), u"text"_s);

@@ -137,6 +137,7 @@ void EntryTextEditTest::boundCombinationsAreLeftToTheWindow_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
+    QTest::addColumn<quint32>("code");
     const int ctrl = Qt::ControlModifier;
     const int ctrlShift = Qt::ControlModifier | Qt::ShiftModifier;
     const int keypad = Qt::KeypadModifier;
@@ -144,6 +145,7 @@ void EntryTextEditTest::boundCombinationsAreLeftToTheWindow_data()
         const char *name;
         int key;
         int modifiers;
+        quint32 code = 0;
     } rows[] = {
         {"Return", Qt::Key_Return, 0},
         {"Enter", Qt::Key_Enter, 0},
@@ -153,8 +155,8 @@ void EntryTextEditTest::boundCombinationsAreLeftToTheWindow_data()
         {"Ctrl+Shift+equal", Qt::Key_Equal, ctrlShift},
         {"Ctrl+Shift+[", Qt::Key_BracketLeft, ctrlShift},
         {"Ctrl+Shift+]", Qt::Key_BracketRight, ctrlShift},
-        {"Ctrl+Shift+[ as X11 reports it", Qt::Key_BraceLeft, ctrlShift},
-        {"Ctrl+Shift+] as X11 reports it", Qt::Key_BraceRight, ctrlShift},
+        {"Ctrl+Shift+[ as X11 reports it", Qt::Key_BraceLeft, ctrlShift, KeyCode::bracketLeft},
+        {"Ctrl+Shift+] as X11 reports it", Qt::Key_BraceRight, ctrlShift, KeyCode::bracketRight},
         {"Ctrl+H", Qt::Key_H, ctrl},
         {"Ctrl+K", Qt::Key_K, ctrl},
         {"Ctrl+D", Qt::Key_D, ctrl},
@@ -166,19 +168,21 @@ void EntryTextEditTest::boundCombinationsAreLeftToTheWindow_data()
         {"Alt+Backspace", Qt::Key_Backspace, Qt::AltModifier},
     };
     for (const auto &row : rows)
-        QTest::newRow(row.name) << row.key << row.modifiers;
+        QTest::newRow(row.name) << row.key << row.modifiers << row.code;
 }
 
 void EntryTextEditTest::boundCombinationsAreLeftToTheWindow()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
+    QFETCH(quint32, code);
     UiDesk desk;
     const qint64 root = desk.addFile(u"a.bdl"_s);
     desk.show();
     desk.goTo(root);
     const QString before = desk.editor()->toPlainText();
-    QKeyEvent event(QEvent::KeyPress, key, Qt::KeyboardModifiers::fromInt(modifiers));
+    QKeyEvent event(QEvent::KeyPress, key, Qt::KeyboardModifiers::fromInt(modifiers), code, 0, 0,
+                    code ? u"{"_s : QString());
     // Straight to the editor, past the window that would handle it.
     static_cast<QObject *>(desk.editor())->event(&event);
     QVERIFY(!event.isAccepted());

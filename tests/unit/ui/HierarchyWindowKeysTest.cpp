@@ -44,6 +44,8 @@ private slots:
     void commandsReachTheModelAndTheEditorKeepsTheKeyboard();
     void everyWindowCommandIsReachedByItsCombination_data();
     void everyWindowCommandIsReachedByItsCombination();
+    void shiftedSymbolsOfX11MeanTheirKey_data();
+    void shiftedSymbolsOfX11MeanTheirKey();
     void modifiersAreThoseHeldAtTheMoment();
     void unboundCombinationsAreLeftToTheDialog();
     void returnSavesAndHides();
@@ -93,7 +95,7 @@ void HierarchyWindowKeysTest::everyWindowCommandIsReachedByItsCombination_data()
     QTest::addColumn<int>("command");
     const auto row
         = [](const char *name, int key, Qt::KeyboardModifiers modifiers, Command command) {
-              QTest::newRow(name) << key << modifiers.toInt() << static_cast<int>(command);
+              QTest::newRow(name) << key << int(modifiers.toInt()) << static_cast<int>(command);
           };
     row("Ctrl+H", Qt::Key_H, ctrl, Command::GoToParent);
     row("Ctrl+[", Qt::Key_BracketLeft, ctrl, Command::GoToFirst);
@@ -135,6 +137,33 @@ void HierarchyWindowKeysTest::everyWindowCommandIsReachedByItsCombination()
     QVERIFY(!log.all().contains(u"exception in handleCommand"_s));
     if (desk.window->isVisible())
         QVERIFY(desk.editor()->hasFocus());
+}
+
+void HierarchyWindowKeysTest::shiftedSymbolsOfX11MeanTheirKey_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<quint32>("code");
+    QTest::addColumn<int>("command");
+    QTest::newRow("Ctrl+Shift+[") << int(Qt::Key_BraceLeft) << KeyCode::bracketLeft
+                                  << int(Command::MoveCurrentToTop);
+    QTest::newRow("Ctrl+Shift+]") << int(Qt::Key_BraceRight) << KeyCode::bracketRight
+                                  << int(Command::MoveCurrentToBottom);
+    QTest::newRow("Ctrl+Shift+=") << int(Qt::Key_Plus) << KeyCode::equal
+                                  << int(Command::AddEntryToTodoListAndShow);
+}
+
+void HierarchyWindowKeysTest::shiftedSymbolsOfX11MeanTheirKey()
+{
+    QFETCH(int, key);
+    QFETCH(quint32, code);
+    QFETCH(int, command);
+    Outline desk;
+    desk.goTo(desk.second);
+    const LogLines log;
+    desk.pressNative(key, code, ctrlShift, QString(QChar(key)));
+    QCOMPARE(log.count(u"command "_s), 1);
+    QVERIFY(log.all().contains(u"command %1"_s.arg(command)));
+    QCOMPARE(desk.editor()->toPlainText(), u"second"_s);
 }
 
 void HierarchyWindowKeysTest::modifiersAreThoseHeldAtTheMoment()
@@ -404,10 +433,7 @@ void HierarchyWindowKeysTest::shortcutKeyIsFoundThroughItsOtherMeanings()
 {
     Outline desk;
     desk.files.getFile(0)->registerShortcut(desk.third, Qt::Key_F, u"F"_s);
-    QTest::keyPress(desk.window->windowHandle(), Qt::Key_Alt, Qt::AltModifier);
-    constexpr quint32 codeOfF = 41;
-    QKeyEvent event(QEvent::KeyPress, 0x410, Qt::AltModifier, codeOfF, 0x6c1, 0, u"\u0430"_s);
-    QCoreApplication::sendEvent(desk.window->windowHandle(), &event);
+    desk.pressNative(0x410, KeyCode::f, Qt::AltModifier, u"\u0430"_s);
     QCOMPARE(desk.editor()->toPlainText(), u"third"_s);
     QCOMPARE(desk.refusals->count(), 0);
 }

@@ -10,6 +10,17 @@ QStringList &collectedLines()
     static QStringList lines;
     return lines;
 }
+
+void holdModifiers(QWidget &window, Qt::KeyboardModifiers modifiers)
+{
+    QTest::simulateEvent(window.windowHandle(), true, Qt::Key_Control, modifiers, QString(), false);
+}
+
+void releaseModifiers(QWidget &window)
+{
+    QTest::simulateEvent(window.windowHandle(), false, Qt::Key_Control, Qt::NoModifier, QString(),
+                         false);
+}
 } // namespace
 
 LogLines::LogLines()
@@ -98,21 +109,32 @@ void UiDesk::show()
         qFatal("the window does not become active");
 }
 
-// Keys go to the window handle: the handlers read the modifiers held, which only keys that come in
-// from below set.
+void pressIn(QWidget &window, int key, Qt::KeyboardModifiers modifiers)
+{
+    QTest::keyClick(window.windowHandle(), static_cast<Qt::Key>(key), modifiers);
+    releaseModifiers(window);
+}
+
 void UiDesk::press(int key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key), modifiers);
+    pressIn(*window, key, modifiers);
+}
+
+void UiDesk::pressNative(int key, quint32 code, Qt::KeyboardModifiers modifiers,
+                         const QString &text)
+{
+    holdModifiers(*window, modifiers);
+    QKeyEvent event(QEvent::KeyPress, key, modifiers, code, 0, 0, text);
+    QCoreApplication::sendEvent(window->windowHandle(), &event);
+    releaseModifiers(*window);
 }
 
 void UiDesk::pressRepeated(int key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::sendKeyEvent(QTest::Press, window->windowHandle(), Qt::Key_Control, QString(),
-                        modifiers);
+    holdModifiers(*window, modifiers);
     QKeyEvent event(QEvent::KeyPress, key, modifiers, QString(), true);
     QCoreApplication::sendEvent(window->windowHandle(), &event);
-    QTest::sendKeyEvent(QTest::Release, window->windowHandle(), Qt::Key_Control, QString(),
-                        Qt::NoModifier);
+    releaseModifiers(*window);
 }
 
 void UiDesk::type(const QString &text)

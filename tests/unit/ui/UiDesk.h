@@ -45,16 +45,19 @@ private:
     int m_count = 0;
 };
 
-/// The desktop, with what only windows ask of it.
-class WindowedNativeSupport : public RecordingNativeSupport
-{
-public:
-    QList<QWindow *> askedToFront;
-    int gaveBack = 0;
+/// Presses and releases \a key in \a window. Keys go to the window handle: the handlers read the
+/// modifiers held, which only keys that come in from below set; no modifier stays held.
+void pressIn(QWidget &window, int key, Qt::KeyboardModifiers modifiers = {});
 
-    void requestFront(QWindow *window) override { askedToFront.append(window); }
-    void restoreCapturedProcess() override { ++gaveBack; }
-};
+/// X key codes of the physical keys with these symbols on a US keyboard.
+namespace KeyCode
+{
+inline constexpr quint32 equal = 21;
+inline constexpr quint32 bracketLeft = 34;
+inline constexpr quint32 bracketRight = 35;
+inline constexpr quint32 f = 41;
+inline constexpr quint32 slash = 61;
+} // namespace KeyCode
 
 /// The main window with real model, files and activation behind it, wired as in the program, on
 /// settings and files of its own.
@@ -74,6 +77,9 @@ public:
     /// Brings the application to the front and waits until the window has the keyboard.
     void show();
     void press(int key, Qt::KeyboardModifiers modifiers = {});
+    /// A press as the X server reports it, with the physical key's \a code.
+    void pressNative(int key, quint32 code, Qt::KeyboardModifiers modifiers,
+                     const QString &text = {});
     /// A press that the keyboard repeats while \a modifiers are held.
     void pressRepeated(int key, Qt::KeyboardModifiers modifiers);
     void type(const QString &text);
@@ -92,7 +98,7 @@ public:
     TestSettings settings;
     FileManager files;
     HierarchyModel model{&files};
-    WindowedNativeSupport native;
+    RecordingNativeSupport native;
     AppActivationSupport activation{&native};
     std::unique_ptr<HierarchyWindow> window;
     std::unique_ptr<AppCommandFilter> filter;

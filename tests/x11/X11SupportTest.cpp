@@ -1,0 +1,439 @@
+// SPDX-License-Identifier: MIT
+// The hotkey and the front on a real X server with a window manager.
+#include "platform/x11/X11Support.h"
+#include "platform/x11/QtX11.h"
+#include "x11/XTools.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr quint8 spaceCode = 65;
+constexpr quint8 gCode = 42;
+constexpr quint8 jCode = 44;
+constexpr unsigned int space = 0x20;
+// Not function keys: with Ctrl+Alt the server keeps those for itself.
+constexpr unsigned int letterG = 'g';
+constexpr unsigned int letterJ = 'j';
+constexpr unsigned int letterZ = 'z';
+constexpr quint16 ctrlAlt = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
+const QStringList ctrlAltKeys{u"Control_L"_s, u"Alt_L"_s};
+
+/// Long enough for a press or a wrong activation to arrive.
+constexpr int settledMs = 400;
+
+/// Counts how often the application was told that it lost the front while it had lost it.
+class DeactivationCounter : public QObject
+{
+public:
+    explicit DeactivationCounter(NativeSupport &support)
+        : m_support(support)
+    {
+        qApp->installEventFilter(this);
+    }
+
+    int events = 0;
+    int losses = 0;
+
+private:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == qApp && event->type() == QEvent::ApplicationDeactivate) {
+            ++events;
+            losses += m_support.areWeFrontProcess() ? 0 : 1;
+        }
+        return false;
+    }
+
+    NativeSupport &m_support;
+};
+
+} // namespace
+
+class X11SupportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void createdWithADisplayItIsTheX11One();
+    void hotkeyFiresWhateverTheLocksAre_data();
+    void hotkeyFiresWhateverTheLocksAre();
+    void hotkeyFiresOncePerPressWhileItIsHeld();
+    void hotkeyFiresInEveryLayoutGroup();
+    void settingTheHotkeyTwiceLeavesOnlyTheSecond();
+    void aKeyThatIsNotTheHotkeyEmitsNothing();
+    void aHotkeyThatAnotherProgramHoldsIsNoError();
+    void hotkeyFollowsTheKeyboardMap();
+    void hotkeyInOurOwnWindowIsNotTyped();
+    void windowThatComesForwardByTheHotkeyGetsWhatIsTypedNext();
+    void restoringTwiceBringsTheOtherProgramForwardTwice();
+    void capturingWhileWeAreInFrontLeavesNothingToRestore();
+    void restoringAVanishedWindowIsNoError();
+    void captureWorksBeforeItKnowsTheToolkit();
+    void requestFrontBringsAWindowForwardThatHadNoUserAction();
+    void requestFrontUnminimises();
+    void requestFrontBringsTheModalBoxForwardToo();
+    void losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing();
+    void aMomentWithoutAnyActiveWindowIsNoLoss();
+    void aDialogOfAnotherProcessForOurWindowIsOurs();
+    void ourOwnDialogsNeverLoseTheFront();
+
+private:
+    void showInFront();
+
+    std::unique_ptr<NativeSupport> m_support;
+    std::unique_ptr<QSignalSpy> m_presses;
+    std::unique_ptr<QLineEdit> m_window;
+};
+
+void X11SupportTest::init()
+{
+    m_support = NativeSupport::create();
+    m_presses = std::make_unique<QSignalSpy>(m_support.get(), &NativeSupport::hotKeyPressed);
+    m_window = std::make_unique<QLineEdit>();
+    m_window->setGeometry(500, 300, 300, 60);
+}
+
+void X11SupportTest::cleanup()
+{
+    m_window.reset();
+    m_presses.reset();
+    m_support.reset();
+}
+
+void X11SupportTest::showInFront()
+{
+    m_window->show();
+    m_window->activateWindow();
+    m_window->raise();
+    m_support->requestFront(m_window->windowHandle());
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
+}
+
+void X11SupportTest::createdWithADisplayItIsTheX11One()
+{
+    QVERIFY(qobject_cast<X11Support *>(m_support.get()));
+}
+
+void X11SupportTest::hotkeyFiresWhateverTheLocksAre_data()
+{
+    QTest::addColumn<QStringList>("locks");
+    QTest::addColumn<int>("state");
+    QTest::newRow("none") << QStringList{} << 0;
+    QTest::newRow("Num Lock") << QStringList{u"Num_Lock"_s} << int(XCB_MOD_MASK_2);
+    QTest::newRow("Caps Lock") << QStringList{u"Caps_Lock"_s} << int(XCB_MOD_MASK_LOCK);
+    QTest::newRow("Num Lock and Caps Lock")
+        << QStringList{u"Num_Lock"_s, u"Caps_Lock"_s} << int(XCB_MOD_MASK_2 | XCB_MOD_MASK_LOCK);
+}
+
+void X11SupportTest::hotkeyFiresWhateverTheLocksAre()
+{
+    QFETCH(QStringList, locks);
+    QFETCH(int, state);
+    m_support->setActivationHotkey(space);
+    for (const QString &lock : locks)
+        QVERIFY(XTools::press(lock));
+    const int stateDuringPress = XTools::modifierState() & 0xff;
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTest::qWait(settledMs);
+    for (const QString &lock : locks)
+        QVERIFY(XTools::press(lock));
+    QCOMPARE(stateDuringPress, state);
+    QCOMPARE(m_presses->count(), 1);
+}
+
+void X11SupportTest::hotkeyFiresOncePerPressWhileItIsHeld()
+{
+    m_support->setActivationHotkey(space);
+    const PressCounter counter(spaceCode);
+    QVERIFY(!XTools::run(
+                 u"xdotool"_s,
+                 {u"keydown"_s, u"Control_L"_s, u"keydown"_s, u"Alt_L"_s, u"keydown"_s, u"space"_s})
+                 .isNull());
+    QTest::qWait(1500);
+    QVERIFY(
+        !XTools::run(u"xdotool"_s,
+                     {u"keyup"_s, u"space"_s, u"keyup"_s, u"Alt_L"_s, u"keyup"_s, u"Control_L"_s})
+             .isNull());
+    QVERIFY2(counter.presses > 5, "the keyboard did not repeat the key");
+    QCOMPARE(m_presses->count(), 1);
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 2);
+}
+
+void X11SupportTest::hotkeyFiresInEveryLayoutGroup()
+{
+    m_support->setActivationHotkey(space);
+    QVERIFY(XTools::setLayout(u"us,ru"_s));
+    XTools::lockGroup(1);
+    const bool pressed = XTools::press(QString::number(spaceCode), ctrlAltKeys);
+    QTest::qWait(settledMs);
+    XTools::lockGroup(0);
+    QVERIFY(XTools::setLayout(u"us"_s));
+    QVERIFY(pressed);
+    QCOMPARE(m_presses->count(), 1);
+}
+
+void X11SupportTest::settingTheHotkeyTwiceLeavesOnlyTheSecond()
+{
+    m_support->setActivationHotkey(space);
+    m_support->setActivationHotkey(letterG);
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTest::qWait(settledMs);
+    QCOMPARE(m_presses->count(), 0);
+    QVERIFY(XTools::press(u"g"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QVERIFY(OtherGrab(spaceCode, ctrlAlt).held());
+    QVERIFY(!OtherGrab(gCode, ctrlAlt).held());
+    m_support.reset();
+    QVERIFY(OtherGrab(gCode, ctrlAlt).held());
+}
+
+void X11SupportTest::aKeyThatIsNotTheHotkeyEmitsNothing()
+{
+    m_support->setActivationHotkey(space);
+    showInFront();
+    QVERIFY(XTools::press(u"g"_s, ctrlAltKeys));
+    QVERIFY(XTools::press(u"space"_s, {u"Control_L"_s}));
+    QVERIFY(XTools::press(u"space"_s, {u"Control_L"_s, u"Alt_L"_s, u"Shift_L"_s}));
+    QTest::qWait(settledMs);
+    QCOMPARE(m_presses->count(), 0);
+}
+
+void X11SupportTest::aHotkeyThatAnotherProgramHoldsIsNoError()
+{
+    {
+        const OtherGrab other(jCode, ctrlAlt);
+        QVERIFY(other.held());
+        m_support->setActivationHotkey(letterJ);
+        QVERIFY(XTools::press(u"j"_s, ctrlAltKeys));
+        QTest::qWait(settledMs);
+        QCOMPARE(m_presses->count(), 0);
+    }
+    m_support->setActivationHotkey(letterJ);
+    QVERIFY(XTools::press(u"j"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+}
+
+void X11SupportTest::hotkeyFollowsTheKeyboardMap()
+{
+    constexpr quint8 zOnUs = 52;
+    constexpr quint8 zOnGerman = 29;
+    m_support->setActivationHotkey(letterZ);
+    QVERIFY(XTools::press(QString::number(zOnUs), ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QVERIFY(XTools::setLayout(u"de"_s));
+    const bool pressedOld = XTools::press(QString::number(zOnUs), ctrlAltKeys);
+    QTest::qWait(settledMs);
+    const qsizetype afterOld = m_presses->count();
+    const bool pressedNew = XTools::press(QString::number(zOnGerman), ctrlAltKeys);
+    QTest::qWait(settledMs);
+    QVERIFY(XTools::setLayout(u"us"_s));
+    QVERIFY(pressedOld && pressedNew);
+    QCOMPARE(afterOld, 1);
+    QCOMPARE(m_presses->count(), 2);
+}
+
+void X11SupportTest::hotkeyInOurOwnWindowIsNotTyped()
+{
+    m_support->setActivationHotkey(space);
+    showInFront();
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QVERIFY(XTools::press(u"a"_s));
+    QTRY_COMPARE(m_window->text(), u"a"_s);
+}
+
+void X11SupportTest::windowThatComesForwardByTheHotkeyGetsWhatIsTypedNext()
+{
+    const OtherProgram other;
+    m_support->setActivationHotkey(space);
+    connect(m_support.get(), &NativeSupport::hotKeyPressed, m_window.get(), [this] {
+        m_support->captureFrontProcessForRestore();
+        m_window->show();
+        m_window->activateWindow();
+        m_window->raise();
+        m_support->requestFront(m_window->windowHandle());
+    });
+    for (int round = 1; round <= 3; ++round) {
+        QCOMPARE(XTools::activeWindow(), other.window());
+        m_window->clear();
+        QVERIFY(!XTools::run(u"xdotool"_s,
+                             {u"key"_s, u"ctrl+alt+space"_s, u"sleep"_s, u"0.2"_s, u"type"_s,
+                              u"--delay"_s, u"10"_s, u"typed at once"_s})
+                     .isNull());
+        QTRY_COMPARE(m_window->text(), u"typed at once"_s);
+        m_window->hide();
+        m_support->restoreCapturedProcess();
+        QTRY_COMPARE(XTools::activeWindow(), other.window());
+    }
+}
+
+void X11SupportTest::restoringTwiceBringsTheOtherProgramForwardTwice()
+{
+    const OtherProgram other;
+    m_support->captureFrontProcessForRestore();
+    QVERIFY(!m_support->areWeFrontProcess());
+    for (int round = 1; round <= 2; ++round) {
+        showInFront();
+        QVERIFY(m_support->areWeFrontProcess());
+        m_support->restoreCapturedProcess();
+        QTRY_COMPARE(XTools::activeWindow(), other.window());
+        QVERIFY(!m_support->areWeFrontProcess());
+    }
+}
+
+void X11SupportTest::capturingWhileWeAreInFrontLeavesNothingToRestore()
+{
+    const OtherProgram other;
+    m_support->captureFrontProcessForRestore();
+    showInFront();
+    m_support->captureFrontProcessForRestore();
+    m_support->restoreCapturedProcess();
+    QTest::qWait(settledMs);
+    QCOMPARE(XTools::activeWindow(), m_window->winId());
+}
+
+void X11SupportTest::restoringAVanishedWindowIsNoError()
+{
+    const OtherProgram bystander;
+    {
+        const OtherProgram other;
+        m_support->captureFrontProcessForRestore();
+    }
+    showInFront();
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    m_support->restoreCapturedProcess();
+    QTest::qWait(settledMs);
+    QCOMPARE(XTools::activeWindow(), m_window->winId());
+    QVERIFY(m_support->areWeFrontProcess());
+}
+
+void X11SupportTest::captureWorksBeforeItKnowsTheToolkit()
+{
+    const OtherProgram other;
+    const std::unique_ptr<NativeSupport> fresh = NativeSupport::create();
+    fresh->captureFrontProcessForRestore();
+    showInFront();
+    fresh->restoreCapturedProcess();
+    QTRY_COMPARE(XTools::activeWindow(), other.window());
+}
+
+void X11SupportTest::requestFrontBringsAWindowForwardThatHadNoUserAction()
+{
+    const OtherProgram other;
+    m_window->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QTest::qWait(settledMs);
+    QCOMPARE(XTools::activeWindow(), other.window());
+    m_support->requestFront(m_window->windowHandle());
+    QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
+    QVERIFY(XTools::press(u"a"_s));
+    QTRY_COMPARE(m_window->text(), u"a"_s);
+}
+
+void X11SupportTest::requestFrontUnminimises()
+{
+    const OtherProgram other;
+    showInFront();
+    QVERIFY(!XTools::run(u"xdotool"_s, {u"windowminimize"_s, QString::number(m_window->winId())})
+                 .isNull());
+    QTRY_VERIFY(m_window->isMinimized());
+    QTRY_COMPARE(XTools::activeWindow(), other.window());
+    m_support->requestFront(m_window->windowHandle());
+    QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
+    QTRY_VERIFY(!m_window->isMinimized());
+}
+
+void X11SupportTest::requestFrontBringsTheModalBoxForwardToo()
+{
+    const OtherProgram other;
+    showInFront();
+    QMessageBox box(QMessageBox::Information, u"box"_s, u"text"_s, QMessageBox::Ok, m_window.get());
+    box.open();
+    QVERIFY(QTest::qWaitForWindowActive(&box));
+    for (const WId window : {box.winId(), m_window->winId()})
+        QVERIFY(
+            !XTools::run(u"xdotool"_s, {u"windowminimize"_s, QString::number(window)}).isNull());
+    QTRY_COMPARE(XTools::activeWindow(), other.window());
+    m_support->requestFront(m_window->windowHandle());
+    QTRY_COMPARE(XTools::activeWindow(), box.winId());
+    QVERIFY(XTools::press(u"Return"_s));
+    QTRY_VERIFY(!box.isVisible());
+}
+
+void X11SupportTest::losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing()
+{
+    const OtherProgram other;
+    showInFront();
+    QVERIFY(m_support->areWeFrontProcess());
+    const DeactivationCounter counter(*m_support);
+    XTools::claimActiveWindow(other.window());
+    QTRY_COMPARE(counter.losses, 1);
+    QTest::qWait(settledMs);
+    QCOMPARE(counter.events, 1);
+}
+
+void X11SupportTest::aMomentWithoutAnyActiveWindowIsNoLoss()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    XTools::claimActiveWindow(other.window());
+    XTools::claimActiveWindow(0);
+    QVERIFY(m_support->areWeFrontProcess());
+    XTools::claimActiveWindow(static_cast<xcb_window_t>(m_window->winId()));
+    QTest::qWait(2 * settledMs);
+    QCOMPARE(counter.events, 0);
+    QVERIFY(m_support->areWeFrontProcess());
+}
+
+void X11SupportTest::aDialogOfAnotherProcessForOurWindowIsOurs()
+{
+    const OtherProgram other;
+    showInFront();
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(!m_support->areWeFrontProcess());
+    const auto ours = static_cast<xcb_window_t>(m_window->winId());
+    xcb_change_property(QtX11::connection(), XCB_PROP_MODE_REPLACE, other.window(),
+                        XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &ours);
+    xcb_flush(QtX11::connection());
+    QTRY_VERIFY(m_support->areWeFrontProcess());
+}
+
+void X11SupportTest::ourOwnDialogsNeverLoseTheFront()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    for (int round = 1; round <= 3; ++round) {
+        QMessageBox box(QMessageBox::Question, u"box"_s, u"text"_s, QMessageBox::Ok,
+                        m_window.get());
+        box.open();
+        QVERIFY(QTest::qWaitForWindowActive(&box));
+        box.close();
+        QFileDialog dialog(m_window.get());
+        dialog.open();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        dialog.close();
+        QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
+    }
+    QTest::qWait(2 * settledMs);
+    QCOMPARE(counter.losses, 0);
+}
+
+QTEST_MAIN(X11SupportTest)
+#include "X11SupportTest.moc"

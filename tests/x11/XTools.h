@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QProcess>
+#include <QStringList>
+
+#include <xcb/xcb.h>
+
+/// The user's hands and eyes on a real X server, for tests.
+namespace XTools
+{
+
+/// Runs a program while the event loop goes on; its standard output, or a null text if it failed.
+QString run(const QString &program, const QStringList &arguments);
+
+/// Makes \a layouts the keyboard's layouts and waits until everybody has noticed.
+bool setLayout(const QString &layouts);
+/// Locks the \a group-th of the layouts, as a layout switch does.
+void lockGroup(quint8 group);
+
+/// Presses \a key (a name or a key code) with \a held; all are released afterwards.
+bool press(const QString &key, const QStringList &held = {});
+
+/// The state of the modifiers and locks at the X server.
+quint16 modifierState();
+
+/// What the window manager says is in front; 0 for none.
+xcb_window_t activeWindow();
+/// Writes the window manager's word about it, behind its back.
+void claimActiveWindow(xcb_window_t window);
+
+} // namespace XTools
+
+/// Another program with a window of its own.
+class OtherProgram
+{
+public:
+    /// Starts it and waits until its window is in front.
+    OtherProgram();
+    ~OtherProgram();
+    Q_DISABLE_COPY_MOVE(OtherProgram)
+
+    xcb_window_t window() const { return m_window; }
+    void end();
+
+private:
+    QProcess m_process;
+    xcb_window_t m_window = 0;
+};
+
+/// A second client of the X server that holds a key.
+class OtherGrab
+{
+public:
+    OtherGrab(quint8 code, quint16 modifiers);
+    ~OtherGrab();
+    Q_DISABLE_COPY_MOVE(OtherGrab)
+
+    /// Whether the server granted it.
+    bool held() const { return m_held; }
+
+private:
+    xcb_connection_t *m_connection;
+    bool m_held = false;
+};
+
+/// Counts the presses of a key that reach this process, repeated ones too.
+class PressCounter : public QAbstractNativeEventFilter
+{
+public:
+    explicit PressCounter(quint8 code);
+
+    int presses = 0;
+
+private:
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
+
+    quint8 m_code;
+};
