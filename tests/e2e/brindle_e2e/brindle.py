@@ -245,7 +245,7 @@ class Brindle:
             setattr(view, _STATES[part.description], name.removeprefix("State: "))
         elif role == "label" and part.description in _LABELS:
             setattr(view, _LABELS[part.description], name)
-        elif role == "label" and name == "Has children":
+        elif name == "Has children":
             view.has_children = True
 
     def boxes(self):
@@ -338,15 +338,15 @@ class Brindle:
         return None
 
     def _find_window(self, node):
-        """The X window that shows this node: same process, same title."""
-        name = node.name
-        for window_id in self.desktop.screen.windows_of(self.pid):
-            if self.desktop.screen.title(window_id) == name:
+        """The X window that shows this node: same process, same place, or at least same title."""
+        windows = self.desktop.screen.windows_of(self.pid)
+        place = tuple(node.extents)
+        # A message box can have the title of the dialog below it, or the program's name.
+        for window_id in windows:
+            if self.desktop.screen.place(window_id) == place:
                 return window_id
-        # A message box without a title of its own carries the program's name.
-        place = node.extents
-        for window_id in self.desktop.screen.windows_of(self.pid):
-            if self.desktop.screen.place(window_id) == tuple(place):
+        for window_id in windows:
+            if self.desktop.screen.title(window_id) == node.name:
                 return window_id
         return None
 
