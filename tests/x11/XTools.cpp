@@ -30,7 +30,7 @@ xcb_atom_t activeWindowAtom(xcb_connection_t *connection)
     constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
     const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr));
-    return atom ? atom->atom : XCB_ATOM_NONE;
+    return atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QLoggingCategory>
 #include <QSettings>
 #include <algorithm>
 
@@ -12,6 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
+
+Q_LOGGING_CATEGORY(activationLog, "brindle.activation")
 
 const auto automaticActivationKey = "automaticactivation"_L1;
 const auto automaticActivationDelayKey = "automaticactivationdelay"_L1;
@@ -126,8 +129,10 @@ void AppActivationSupport::requestFront(QWindow *window)
 
 void AppActivationSupport::confirmAppActivation()
 {
-    if (m_active && !m_nativeSupport->areWeFrontProcess())
-        deactivateApp(false, true);
+    if (!m_active || m_nativeSupport->areWeFrontProcess())
+        return;
+    qCDebug(activationLog) << "the desktop did not bring the application to the front";
+    deactivateApp(false, true);
 }
 
 void AppActivationSupport::activateApp(bool captureOrRestoreFrontProcess)

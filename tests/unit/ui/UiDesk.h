@@ -11,6 +11,7 @@
 #include "ui/HierarchyWindow.h"
 
 #include <QtTest>
+#include <QtWidgets>
 #include <memory>
 
 /// Collects the lines of the debug output while it lives.
