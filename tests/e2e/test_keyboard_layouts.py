@@ -21,6 +21,8 @@ GERMAN = [
     (25, "ctrl+shift+altgr+18", "Ctrl+Shift+]"),
     (11, "ctrl+34", "Ctrl+[ by its place"),
     (25, "ctrl+shift+35", "Ctrl+Shift+] by its place"),
+    (6, "ctrl+16", "Ctrl+/ without the Shift that the slash needs"),
+    (28, "ctrl+19", "Ctrl+= without the Shift that the equal sign needs"),
     (6, "ctrl+61", "Ctrl+/ by its place"),
     # 21 is a dead key there: it belongs to the input method, which keeps it.
     (12, "ctrl+45", "Ctrl+K"),
@@ -36,8 +38,8 @@ FRENCH = [
     (25, "ctrl+shift+altgr+20", "Ctrl+Shift+]"),
     (3, "ctrl+38", "Ctrl+Q, on the American A"),
     (2, "ctrl+58", "Ctrl+comma, on the American M"),
-    (6, "ctrl+61", "Ctrl+/ by its place"),
-    (34, "ctrl+60", "Ctrl+. by its place"),
+    (6, "ctrl+60", "Ctrl+/ without the Shift that the slash needs"),
+    (34, "ctrl+59", "Ctrl+. without the Shift that the full stop needs"),
 ]
 RUSSIAN = [
     (6, "ctrl+61", "Ctrl+/, which is no Ctrl+."),
