@@ -12,6 +12,7 @@
 #include "shared/TextGuard.h"
 #include "shared/TextHelpers.h"
 #include "shared/Version.h"
+#include "store/FileErrorGuard.h"
 #include "store/FileManager.h"
 #include "ui/AppCommandFilter.h"
 #include "ui/HierarchyWindow.h"
@@ -182,15 +183,21 @@ void AppLifecycle::connectComponents()
 void AppLifecycle::openFilesFromCommandLine()
 {
     for (const QString &path : std::as_const(m_filesToOpen)) {
-        const int filesBefore = m_fileManager->getFileCount();
-        m_fileManager->openFileFromCommandLine(path);
-        const int last = m_fileManager->getFileCount() - 1;
-        if (last + 1 == filesBefore)
-            continue;
-        const qint64 root = m_fileManager->getFile(last)->getEntryId(-1, 0);
-        guardAgainstTexts(lcApp(), "openFilesFromCommandLine", [&] {
-            m_hierarchyModel->goToEntry(EntryAddress{last, root});
+        // One bad file must not keep the program from coming up.
+        guardAgainstFileErrors(lcApp(), "openFilesFromCommandLine", [&] {
+            guardAgainstTexts(lcApp(), "openFilesFromCommandLine", [&] { openAndGoTo(path); });
         });
+    }
+}
+
+void AppLifecycle::openAndGoTo(const QString &path)
+{
+    const int filesBefore = m_fileManager->getFileCount();
+    m_fileManager->openFileFromCommandLine(path);
+    const int last = m_fileManager->getFileCount() - 1;
+    if (last + 1 > filesBefore) {
+        const qint64 root = m_fileManager->getFile(last)->getEntryId(-1, 0);
+        m_hierarchyModel->goToEntry(EntryAddress{last, root});
     }
 }
 

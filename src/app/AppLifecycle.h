@@ -43,6 +43,7 @@ private:
     void createModelsAndWindows();
     void connectComponents();
     void openFilesFromCommandLine();
+    void openAndGoTo(const QString &path);
     void endAfterError(const char *text);
     void exitOnRequest();
     void saveAndEnd();

@@ -5,24 +5,17 @@
 #include "shared/Refusal.h"
 #include "shared/TextGuard.h"
 #include "shared/TextHelpers.h"
+#include "store/FileErrorGuard.h"
 #include "store/FileManager.h"
 
-#include <limits>
+#include <algorithm>
 
 Q_LOGGING_CATEGORY(lcModel, "brindle.model")
 
 namespace
 {
-constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int highest = std::numeric_limits<int>::max();
 constexpr int excerptLength = 70;
 } // namespace
-
-/// A sibling as the window shows it; an empty text means that there is none.
-struct HierarchyModel::Neighbour {
-    QString body;
-    EntryState state = EntryState::None;
-};
 
 HierarchyModel::HierarchyModel(FileManager *fileManager)
     : m_fileManager(fileManager)
@@ -110,51 +103,75 @@ bool HierarchyModel::writeStoredEntry()
 
 void HierarchyModel::setUpEverythingUsingCurrentEntryId()
 {
-    if (m_currentEntryId != -1) {
-        if (!m_diskStore->getEntryInfo(m_currentEntryId, &m_body, &m_sequence, &m_state,
-                                       &m_parentId, &m_hasChildren, &m_doneDate,
-                                       &m_shortcutKeyText))
-            throw "bad";
-        readParentFields();
-        m_rootExcerpt = m_diskStore->getRootExcerpt();
-    } else if (m_diskStore) {
+    goTo(m_currentFileIndex, m_diskStore, m_currentEntryId);
+}
+
+// Everything is read before anything changes: an editor that still shows one entry while the model
+// stands at another would write the one's text into the other.
+void HierarchyModel::goTo(int fileIndex, DiskStore *store, qint64 entryId)
+{
+    if (entryId == -1 && store)
         throw "this method is not intended for when the current entry is new (where currentEntryId "
               "is -1 and diskStore is non-null)";
+    if (store) {
+        const StoredEntry entry = readEntry(store, entryId);
+        const Parent parent = readParent(store, entry.parentId);
+        m_rootExcerpt = store->getRootExcerpt();
+        m_parentId = entry.parentId;
+        takeParent(parent);
+        takeEntry(entryId, entry);
     } else {
         clearToPanelPosition();
     }
+    m_currentFileIndex = fileIndex;
+    m_diskStore = store;
     m_modifiedBody = m_body;
     updateSiblingFields();
+}
+
+HierarchyModel::StoredEntry HierarchyModel::readEntry(DiskStore *store, qint64 id) const
+{
+    StoredEntry entry;
+    if (!store->getEntryInfo(id, &entry.body, &entry.sequence, &entry.state, &entry.parentId,
+                             &entry.hasChildren, &entry.doneDate, &entry.shortcutKeyText))
+        throw "bad";
+    return entry;
+}
+
+HierarchyModel::Parent HierarchyModel::readParent(DiskStore *store, qint64 parentId) const
+{
+    Parent parent;
+    if (parentId != -1
+        && !store->getEntryInfo(parentId, &parent.body, nullptr, &parent.state, nullptr, nullptr,
+                                nullptr, &parent.shortcutKeyText))
+        throw "bad";
+    return parent;
+}
+
+void HierarchyModel::takeEntry(qint64 id, const StoredEntry &entry)
+{
+    m_currentEntryId = id;
+    m_body = entry.body;
+    m_sequence = entry.sequence;
+    m_state = entry.state;
+    m_hasChildren = entry.hasChildren;
+    m_doneDate = entry.doneDate;
+    m_shortcutKeyText = entry.shortcutKeyText;
+}
+
+void HierarchyModel::takeParent(const Parent &parent)
+{
+    m_parentBody = parent.body;
+    m_parentState = parent.state;
+    m_parentShortcutKeyText = parent.shortcutKeyText;
 }
 
 void HierarchyModel::clearToPanelPosition()
 {
     m_parentId = -1;
-    m_sequence = -1;
-    m_state = EntryState::None;
-    m_doneDate = QDateTime();
-    m_body.clear();
-    clearParentFields();
-    m_shortcutKeyText.clear();
     m_rootExcerpt.clear();
-    m_hasChildren = false;
-}
-
-void HierarchyModel::clearParentFields()
-{
-    m_parentBody.clear();
-    m_parentState = EntryState::None;
-    m_parentShortcutKeyText.clear();
-}
-
-void HierarchyModel::readParentFields()
-{
-    if (atTopLevel()) {
-        clearParentFields();
-    } else if (!m_diskStore->getEntryInfo(m_parentId, &m_parentBody, nullptr, &m_parentState,
-                                          nullptr, nullptr, nullptr, &m_parentShortcutKeyText)) {
-        throw "bad";
-    }
+    takeParent(Parent());
+    takeEntry(-1, StoredEntry());
 }
 
 void HierarchyModel::updateSiblingFields()
@@ -171,10 +188,7 @@ void HierarchyModel::readSiblingFieldsBelowTopLevel()
         m_diskStore, m_parentId, m_diskStore->getMaxEntrySequence(m_parentId, m_sequence - 1));
     const Neighbour following
         = readNeighbour(m_diskStore, m_parentId, getFollowingSiblingEntrySequence());
-    m_precedingSiblingBody = preceding.body;
-    m_precedingSiblingState = preceding.state;
-    m_followingSiblingBody = following.body;
-    m_followingSiblingState = following.state;
+    takeNeighbours(preceding, following);
 }
 
 void HierarchyModel::readSiblingFieldsAtTopLevel()
@@ -185,6 +199,11 @@ void HierarchyModel::readSiblingFieldsAtTopLevel()
         = m_currentFileIndex > 0 ? readRoot(m_currentFileIndex - 1) : Neighbour();
     const Neighbour following
         = followingIndex < m_fileManager->getFileCount() ? readRoot(followingIndex) : Neighbour();
+    takeNeighbours(preceding, following);
+}
+
+void HierarchyModel::takeNeighbours(const Neighbour &preceding, const Neighbour &following)
+{
     m_precedingSiblingBody = preceding.body;
     m_precedingSiblingState = preceding.state;
     m_followingSiblingBody = following.body;
@@ -216,7 +235,7 @@ int HierarchyModel::getFollowingSiblingEntrySequence()
     // A new entry has no row yet: what now holds its place comes after it.
     if (m_currentEntryId == -1)
         return m_diskStore->getMinEntrySequence(m_parentId, m_sequence);
-    if (m_sequence == highest)
+    if (m_sequence == DiskStore::highestSequence)
         return -1;
     return m_diskStore->getMinEntrySequence(m_parentId, m_sequence + 1);
 }
@@ -224,35 +243,39 @@ int HierarchyModel::getFollowingSiblingEntrySequence()
 void HierarchyModel::goToSiblingBySequence(int sequence)
 {
     const qint64 id = m_diskStore->getEntryId(m_parentId, sequence);
-    m_sequence = sequence;
-    m_currentEntryId = id;
-    if (!m_diskStore->getEntryInfo(id, &m_body, nullptr, &m_state, nullptr, &m_hasChildren,
-                                   &m_doneDate, &m_shortcutKeyText))
-        throw "bad";
+    takeEntry(id, readEntry(m_diskStore, id));
 }
 
 void HierarchyModel::goToParent()
 {
     if (atTopLevel())
         throw "this method should only be used when there is a parent";
-    m_currentEntryId = m_parentId;
-    if (!m_diskStore->getEntryInfo(m_currentEntryId, &m_body, &m_sequence, &m_state, &m_parentId,
-                                   &m_hasChildren, &m_doneDate, &m_shortcutKeyText))
-        throw "bad";
-    readParentFields();
+    const StoredEntry entry = readEntry(m_diskStore, m_parentId);
+    const Parent parent = readParent(m_diskStore, entry.parentId);
+    takeEntry(m_parentId, entry);
+    m_parentId = entry.parentId;
+    takeParent(parent);
 }
 
 int HierarchyModel::getChildSequenceToJumpTo(qint64 entryId)
 {
+    return childToJumpTo(m_diskStore, entryId);
+}
+
+int HierarchyModel::childToJumpTo(DiskStore *store, qint64 entryId) const
+{
     if (entryId == -1)
         throw "entryId cannot be -1";
     const auto firstWithState = [&](EntryState state) {
-        const int found = m_diskStore->getMinEntrySequenceWithState(entryId, state, lowest);
-        return found == -1 ? highest : found;
+        const int found
+            = store->getMinEntrySequenceWithState(entryId, state, DiskStore::lowestSequence);
+        return found == -1 ? DiskStore::highestSequence : found;
     };
     const int firstOpen
         = std::min(firstWithState(EntryState::Todo), firstWithState(EntryState::Category));
-    return firstOpen != highest ? firstOpen : m_diskStore->getMaxEntrySequence(entryId, highest);
+    return firstOpen != DiskStore::highestSequence
+        ? firstOpen
+        : store->getMaxEntrySequence(entryId, DiskStore::highestSequence);
 }
 
 void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
@@ -266,85 +289,114 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
     // Writing the text may just have deleted the target, and an address kept elsewhere may be old;
     // nothing changes before the target is known to exist.
     DiskStore *store = m_fileManager->getFile(address.fileIndex);
-    if (!store
-        || !store->getEntryInfo(address.entryId, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                nullptr, nullptr)) {
+    if (!store || !store->contains(address.entryId)) {
+        postStateChange();
         Refusal::refuse();
         return;
     }
-    m_currentFileIndex = address.fileIndex;
-    m_diskStore = store;
-    m_currentEntryId = address.entryId;
-    if (jumpToChild) {
-        const int sequence = getChildSequenceToJumpTo(address.entryId);
-        if (sequence != -1)
-            m_currentEntryId = m_diskStore->getEntryId(address.entryId, sequence);
-    }
-    setUpEverythingUsingCurrentEntryId();
+    redrawWhenItFails([&] {
+        const int sequence = jumpToChild ? childToJumpTo(store, address.entryId) : -1;
+        goTo(address.fileIndex, store,
+             sequence == -1 ? address.entryId : store->getEntryId(address.entryId, sequence));
+    });
     emit changed();
 }
 
 void HierarchyModel::goToFileRoot(int index, bool openCreatePanel)
 {
-    m_currentFileIndex = index;
-    m_diskStore = openCreatePanel ? nullptr : m_fileManager->getFile(index);
-    m_currentEntryId = m_diskStore ? m_diskStore->getEntryId(-1, 0) : -1;
-    setUpEverythingUsingCurrentEntryId();
+    DiskStore *store = openCreatePanel ? nullptr : m_fileManager->getFile(index);
+    goTo(index, store, store ? store->getEntryId(-1, 0) : -1);
+}
+
+int HierarchyModel::fileIndexOf(const DiskStore *store) const
+{
+    for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
+        if (m_fileManager->getFile(index) == store)
+            return index;
+    }
+    return -1;
+}
+
+// When an action fails the position may have moved all the same: the editor must not go on showing
+// the text of another entry, or it would be written there.
+void HierarchyModel::redrawWhenItFails(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (...) {
+        m_modifiedBody = m_body;
+        emit changed();
+        throw;
+    }
+}
+
+// What the file set announces must be followed to the end, whatever fails on the way: the failing
+// file's error is queued already.
+void HierarchyModel::followFileSet(const char *where, const std::function<void()> &action)
+{
+    guardAgainstFileErrors(lcModel(), where, [&] { guardAgainstTexts(lcModel(), where, action); });
+    emit changed();
 }
 
 void HierarchyModel::updateRootExcerpt()
 {
-    guardAgainstTexts(lcModel(), "updateRootExcerpt", [this] {
+    followFileSet("updateRootExcerpt", [this] {
         m_rootExcerpt = m_diskStore ? m_diskStore->getRootExcerpt() : QString();
-        emit changed();
     });
 }
 
 void HierarchyModel::fileLoaded(int index)
 {
-    guardAgainstTexts(lcModel(), "fileLoaded", [this, index] {
+    followFileSet("fileLoaded", [this, index] {
         if (!m_diskStore) {
             goToFileRoot(index, false);
-        } else {
-            if (m_currentFileIndex >= index)
-                ++m_currentFileIndex;
-            // What the user is typing must survive the redraw.
-            emit requestBodyUpdate();
-            updateSiblingFields();
+            return;
         }
-        emit changed();
+        m_currentFileIndex = fileIndexOf(m_diskStore);
+        // What the user is typing must survive the redraw.
+        emit requestBodyUpdate();
+        updateSiblingFields();
     });
 }
 
 void HierarchyModel::fileUnloaded(int index)
 {
-    guardAgainstTexts(lcModel(), "fileUnloaded", [this, index] {
-        if (m_diskStore && index == m_currentFileIndex) {
-            const int next = std::min(index, m_fileManager->getFileCount() - 1);
-            goToFileRoot(std::max(next, 0), next < 0);
-        } else {
-            if (index < m_currentFileIndex)
-                --m_currentFileIndex;
-            if (m_diskStore)
-                emit requestBodyUpdate();
-            if (atTopLevel())
-                updateSiblingFields();
+    followFileSet("fileUnloaded", [this, index] {
+        const int position = fileIndexOf(m_diskStore);
+        if (m_diskStore && position == -1) {
+            goToNeighbourOfClosedFile(index);
+            return;
         }
-        emit changed();
+        if (m_diskStore) {
+            m_currentFileIndex = position;
+            emit requestBodyUpdate();
+        } else if (index < m_currentFileIndex) {
+            --m_currentFileIndex;
+        }
+        if (atTopLevel())
+            updateSiblingFields();
     });
+}
+
+void HierarchyModel::goToNeighbourOfClosedFile(int index)
+{
+    // Should the neighbour fail as well, there is nothing left to show of the closed one.
+    m_diskStore = nullptr;
+    clearToPanelPosition();
+    m_modifiedBody = m_body;
+    m_currentFileIndex = std::min(index, m_fileManager->getFileCount());
+    takeNeighbours(Neighbour(), Neighbour());
+    const int next = std::min(index, m_fileManager->getFileCount() - 1);
+    goToFileRoot(std::max(next, 0), next < 0);
 }
 
 void HierarchyModel::tryToResetStateAfterDbRollback()
 {
-    guardAgainstTexts(lcModel(), "tryToResetStateAfterDbRollback", [this] {
-        const auto exists = [this](qint64 id) {
-            return m_diskStore->getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                             nullptr, nullptr);
-        };
-        if (m_diskStore && !exists(m_currentEntryId)) {
-            m_currentEntryId = exists(m_parentId) ? m_parentId : m_diskStore->getEntryId(-1, 0);
-        }
-        setUpEverythingUsingCurrentEntryId();
-        emit changed();
+    followFileSet("tryToResetStateAfterDbRollback", [this] {
+        m_modifiedBody = m_body;
+        qint64 id = m_currentEntryId;
+        if (m_diskStore && !m_diskStore->contains(id))
+            id = m_diskStore->contains(m_parentId) ? m_parentId : m_diskStore->getEntryId(-1, 0);
+        goTo(m_currentFileIndex, m_diskStore, id);
     });
 }

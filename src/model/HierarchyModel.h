@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QObject>
+#include <functional>
 
 class DiskStore;
 class FileManager;
@@ -45,6 +46,8 @@ public:
     QString getFilePath() const;
     QString getFileName() const;
     bool atRootOfFile() const;
+    /// Which entry stands in the editor; the id is -1 for a new one and at the panel.
+    EntryAddress getCurrentAddress() const { return {m_currentFileIndex, m_currentEntryId}; }
     /// Whether the open/create panel is shown: between the files, with no current store.
     bool atOpenCreatePanel() const { return m_diskStore == nullptr; }
     /// @}
@@ -122,10 +125,32 @@ signals:
     void requestAppDeactivation();
 
 private:
-    struct Neighbour;
+    /// A sibling as the window shows it; an empty text means that there is none.
+    struct Neighbour {
+        QString body;
+        EntryState state = EntryState::None;
+    };
+
+    /// All that is read of an entry before any of it is taken over.
+    struct StoredEntry {
+        QString body;
+        int sequence = -1;
+        EntryState state = EntryState::None;
+        long long parentId = -1;
+        bool hasChildren = false;
+        QDateTime doneDate;
+        QString shortcutKeyText;
+    };
+
+    struct Parent {
+        QString body;
+        EntryState state = EntryState::None;
+        QString shortcutKeyText;
+    };
 
     // Commands; each returns false when it is refused.
     bool carryOut(Command command);
+    bool carryOutMove(Command command);
     bool commandGoToParent();
     bool commandGoToFirst();
     bool commandGoToPrevious();
@@ -152,14 +177,22 @@ private:
     bool moveToParent(qint64 newParentId, int newSequence);
     void makeCurrentEntryTheParent();
     void becomeNewEntry(EntryState state);
-    void readParentFields();
-    void clearParentFields();
+    StoredEntry readEntry(DiskStore *store, qint64 id) const;
+    Parent readParent(DiskStore *store, qint64 parentId) const;
+    void takeEntry(qint64 id, const StoredEntry &entry);
+    void takeParent(const Parent &parent);
+    void goTo(int fileIndex, DiskStore *store, qint64 entryId);
     void clearToPanelPosition();
+    void goToNeighbourOfClosedFile(int index);
+    int fileIndexOf(const DiskStore *store) const;
+    void redrawWhenItFails(const std::function<void()> &action);
+    void followFileSet(const char *where, const std::function<void()> &action);
     void readSiblingFieldsBelowTopLevel();
     void readSiblingFieldsAtTopLevel();
+    void takeNeighbours(const Neighbour &preceding, const Neighbour &following);
+    int childToJumpTo(DiskStore *store, qint64 entryId) const;
     Neighbour readNeighbour(DiskStore *store, qint64 parentId, int sequence) const;
     Neighbour readRoot(int fileIndex) const;
-    bool isCurrentEntry(const EntryAddress &address) const;
     EntryAddress chooseBetween(const QList<EntryAddress> &addresses) const;
 
     FileManager *m_fileManager;

@@ -4,26 +4,24 @@
 #include "shared/Refusal.h"
 #include "store/FileManager.h"
 
-#include <limits>
-
-namespace
-{
-constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int highest = std::numeric_limits<int>::max();
-constexpr int keepParent = -2;
-} // namespace
-
 void HierarchyModel::handleCommand(Command command)
 {
     if (command == Command::Hide) {
         emit requestAppDeactivation();
         return;
     }
-    if (!getAndWriteModifiedBodyToDb() || !carryOut(command)) {
+    bool done = getAndWriteModifiedBodyToDb();
+    if (done) {
+        redrawWhenItFails([&] {
+            done = carryOut(command);
+            if (done)
+                postStateChange();
+        });
+    }
+    if (!done) {
         Refusal::refuse();
         return;
     }
-    postStateChange();
     m_fileManager->maybePromptUserToPeriodicallySaveChanges();
 }
 
@@ -42,18 +40,6 @@ bool HierarchyModel::carryOut(Command command)
         return commandGoToLast();
     case Command::GoToChild:
         return commandGoToChild();
-    case Command::MoveCurrentLeft:
-        return commandMoveLeft();
-    case Command::MoveCurrentToTop:
-        return commandMoveToTop();
-    case Command::MoveCurrentUp:
-        return commandMoveUp();
-    case Command::MoveCurrentDown:
-        return commandMoveDown();
-    case Command::MoveCurrentToBottom:
-        return commandMoveToBottom();
-    case Command::MoveCurrentRight:
-        return commandMoveRight();
     case Command::NewSibling:
         return commandNewSibling();
     case Command::SaveChangesAndHide:
@@ -72,6 +58,26 @@ bool HierarchyModel::carryOut(Command command)
         return commandAddToTodoList();
     case Command::CommitEdit:
         return true;
+    default:
+        return carryOutMove(command);
+    }
+}
+
+bool HierarchyModel::carryOutMove(Command command)
+{
+    switch (command) {
+    case Command::MoveCurrentLeft:
+        return commandMoveLeft();
+    case Command::MoveCurrentToTop:
+        return commandMoveToTop();
+    case Command::MoveCurrentUp:
+        return commandMoveUp();
+    case Command::MoveCurrentDown:
+        return commandMoveDown();
+    case Command::MoveCurrentToBottom:
+        return commandMoveToBottom();
+    case Command::MoveCurrentRight:
+        return commandMoveRight();
     default:
         throw "unhandled command";
     }
@@ -92,7 +98,7 @@ bool HierarchyModel::commandGoToFirst()
             goToFileRoot(0, false);
         return true;
     }
-    const int sequence = m_diskStore->getMinEntrySequence(m_parentId, lowest);
+    const int sequence = m_diskStore->getMinEntrySequence(m_parentId, DiskStore::lowestSequence);
     if (sequence != -1)
         goToSiblingBySequence(sequence);
     return true;
@@ -105,7 +111,7 @@ bool HierarchyModel::commandGoToLast()
             goToFileRoot(m_fileManager->getFileCount() - 1, false);
         return true;
     }
-    const int sequence = m_diskStore->getMaxEntrySequence(m_parentId, highest);
+    const int sequence = m_diskStore->getMaxEntrySequence(m_parentId, DiskStore::highestSequence);
     if (sequence != -1)
         goToSiblingBySequence(sequence);
     return true;
@@ -169,8 +175,10 @@ bool HierarchyModel::commandGoToChild()
         m_sequence = 0;
         return true;
     }
+    const qint64 childId = m_diskStore->getEntryId(m_currentEntryId, sequence);
+    const StoredEntry child = readEntry(m_diskStore, childId);
     makeCurrentEntryTheParent();
-    goToSiblingBySequence(sequence);
+    takeEntry(childId, child);
     return true;
 }
 
@@ -195,7 +203,8 @@ void HierarchyModel::becomeNewEntry(EntryState state)
 bool HierarchyModel::canTakeOneMoreChild(qint64 parentId)
 {
     // Making room adds one to the last sibling's number.
-    return m_diskStore->getMaxEntrySequence(parentId, highest) != highest;
+    return m_diskStore->getMaxEntrySequence(parentId, DiskStore::highestSequence)
+        != DiskStore::highestSequence;
 }
 
 bool HierarchyModel::commandNewSibling()
@@ -267,15 +276,16 @@ bool HierarchyModel::commandMarkDone()
 
 void HierarchyModel::moveOnAfterDone()
 {
-    const int next = m_sequence == highest
+    const int next = m_sequence == DiskStore::highestSequence
         ? -1
         : m_diskStore->getMinEntrySequenceWithState(m_parentId, EntryState::Todo, m_sequence + 1);
     if (next != -1) {
         goToSiblingBySequence(next);
         return;
     }
-    const bool noneLeft
-        = m_diskStore->getMinEntrySequenceWithState(m_parentId, EntryState::Todo, lowest) == -1;
+    const bool noneLeft = m_diskStore->getMinEntrySequenceWithState(m_parentId, EntryState::Todo,
+                                                                    DiskStore::lowestSequence)
+        == -1;
     // The parent can be marked done next.
     if (noneLeft && m_parentState == EntryState::Todo)
         goToParent();
@@ -293,7 +303,7 @@ void HierarchyModel::updateSequenceAndSave(int sequence)
 {
     m_sequence = sequence;
     if (m_currentEntryId != -1)
-        m_diskStore->relocateEntry(m_currentEntryId, sequence, keepParent);
+        m_diskStore->relocateEntry(m_currentEntryId, sequence, DiskStore::keepParent);
 }
 
 void HierarchyModel::postStateChange()
@@ -335,20 +345,22 @@ bool HierarchyModel::commandMoveRight()
         throw "bad";
     if (!canTakeOneMoreChild(newParentId))
         return false;
-    return moveToParent(newParentId, m_diskStore->getMaxEntrySequence(newParentId, highest) + 1);
+    return moveToParent(
+        newParentId, m_diskStore->getMaxEntrySequence(newParentId, DiskStore::highestSequence) + 1);
 }
 
 bool HierarchyModel::moveToParent(qint64 newParentId, int newSequence)
 {
     // The store moves entries to parents with 32-bit ids; another id cut to that would be a
     // stranger's.
-    if (newParentId > highest)
+    if (static_cast<int>(newParentId) != newParentId || newParentId < -1)
         return false;
+    const Parent parent = readParent(m_diskStore, newParentId);
     m_parentId = newParentId;
     m_sequence = newSequence;
     if (m_currentEntryId != -1)
         m_diskStore->relocateEntry(m_currentEntryId, m_sequence, static_cast<int>(m_parentId));
-    readParentFields();
+    takeParent(parent);
     return true;
 }
 
@@ -364,7 +376,7 @@ bool HierarchyModel::commandMoveToTop()
     }
     if (!canTakeOneMoreChild(m_parentId))
         return false;
-    updateSequenceAndSave(m_diskStore->getMinEntrySequence(m_parentId, lowest));
+    updateSequenceAndSave(m_diskStore->getMinEntrySequence(m_parentId, DiskStore::lowestSequence));
     return true;
 }
 
@@ -409,8 +421,8 @@ bool HierarchyModel::commandMoveToBottom()
         m_currentFileIndex = m_diskStore ? fileCount - 1 : fileCount;
         return true;
     }
-    const int last = m_diskStore->getMaxEntrySequence(m_parentId, highest);
-    if (last == highest)
+    const int last = m_diskStore->getMaxEntrySequence(m_parentId, DiskStore::highestSequence);
+    if (last == DiskStore::highestSequence)
         return false;
     updateSequenceAndSave(last + 1);
     return true;

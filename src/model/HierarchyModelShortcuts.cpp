@@ -42,16 +42,11 @@ bool HierarchyModel::unregisterShortcut()
     return true;
 }
 
-bool HierarchyModel::isCurrentEntry(const EntryAddress &address) const
-{
-    return address == EntryAddress{m_currentFileIndex, m_currentEntryId};
-}
-
 bool HierarchyModel::isShortcutRegistered(int key, bool ignoreCurrentEntry) const
 {
     const QList<EntryAddress> addresses = m_fileManager->getEntriesByShortcutKey(key);
     return std::any_of(addresses.begin(), addresses.end(), [&](const EntryAddress &address) {
-        return !ignoreCurrentEntry || !isCurrentEntry(address);
+        return !ignoreCurrentEntry || address != getCurrentAddress();
     });
 }
 

@@ -2,10 +2,12 @@
 #include "store/DiskStore.h"
 
 #include "shared/Version.h"
-#include "store/Patience.h"
+#include "store/SqlErrors.h"
 #include "store/StoreLogging.h"
 
+#include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -13,13 +15,8 @@ Q_LOGGING_CATEGORY(lcStore, "brindle.store")
 
 namespace
 {
+constexpr unsigned long retryPauseMs = 100;
 constexpr int commitAttempts = 3;
-
-int errorNumber(const QSqlError &error)
-{
-    const QString code = error.nativeErrorCode();
-    return code.isEmpty() ? -1 : code.toInt();
-}
 } // namespace
 
 DiskStore::FileException::FileException(QString userMessage, QString technicalDetails)
@@ -37,7 +34,7 @@ DiskStore::FileException::FileException(const QSqlDatabase *database, const QStr
         u"operation: "_s + operation,
         u"file path: "_s + path,
         u"error type: "_s + QString::number(error.type()),
-        u"error code: "_s + QString::number(errorNumber(error)),
+        u"error code: "_s + QString::number(SqlErrors::number(error)),
         u"error message: "_s + error.databaseText(),
         u"driver error message: "_s + error.driverText(),
         u"app version: "_s + Version::text(),
@@ -49,7 +46,7 @@ DiskStore::DiskStore(QString path)
 {
     if (!m_connection.database().open())
         throwFileExceptionAndEmit(u"opening file"_s);
-    setUpBaseData();
+    setUpPatiently();
     m_identity.note(path);
     prepareQueries();
     startTransaction();
@@ -104,15 +101,20 @@ void DiskStore::commitOrThrow()
 {
     // A commit into a file that is no longer at its path would succeed and be lost.
     if (!isStillAtItsPath()) {
-        throwFileExceptionAndEmit(
-            u"the file was replaced or removed by another program while it was "
-            "open, so your changes could not be saved in it"_s,
-            dbFilePath());
+        const QString what
+            = u"the file was replaced or removed by another program while it was open"_s;
+        throwFileExceptionAndEmit(m_updated ? what + u", so your changes could not be saved in it"_s
+                                            : what,
+                                  dbFilePath());
     }
-    // While other processes read the file a commit fails but leaves the transaction whole, and the
-    // error carries no number that would tell this reason from others.
-    if (!Patience::tryTimes(commitAttempts, [this] { return m_connection.database().commit(); }))
-        throwFileExceptionAndEmit(u"committing SQL transaction before starting a new one"_s);
+    // While other processes read the file a commit fails but leaves the transaction whole. After
+    // any other failure the transaction is gone, and a second attempt would only hide the reason.
+    QSqlDatabase &database = m_connection.database();
+    for (int attempt = 1; !database.commit(); ++attempt) {
+        if (attempt == commitAttempts || !SqlErrors::isBusy(database.lastError()))
+            throwFileExceptionAndEmit(u"committing SQL transaction before starting a new one"_s);
+        QThread::msleep(retryPauseMs);
+    }
 }
 
 void DiskStore::commitAndRestartTransaction()
@@ -144,7 +146,7 @@ QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
     if (!m_transactionActive || m_unusable)
         throwFileExceptionAndEmit(u"executeQuery called with no transaction active"_s,
                                   dbFilePath());
-    if (!Patience::execute(*query, [query] { return query->exec(); })) {
+    if (!query->exec() && !executeOnceFileIsFree(*query)) {
         if (returnErrors)
             return query->lastError();
         // The user's details show the connection's last error, which doesn't know this one.
@@ -156,6 +158,25 @@ QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
         m_updated = true;
     }
     return QSqlError();
+}
+
+bool DiskStore::executeOnceFileIsFree(QSqlQuery &query)
+{
+    // A process that writes can't finish while we hold our share of the file, and SQLite doesn't
+    // wait then. As long as nothing is unsaved the transaction can be given up for a moment.
+    QSqlDatabase &database = m_connection.database();
+    const QDeadlineTimer patience(busyTimeoutMs);
+    while (!m_updated && SqlErrors::isBusy(query.lastError()) && !patience.hasExpired()) {
+        query.finish();
+        if (!database.rollback())
+            return false;
+        QThread::msleep(retryPauseMs);
+        if (!database.transaction())
+            return false;
+        if (query.exec())
+            return true;
+    }
+    return false;
 }
 
 void DiskStore::throwFileExceptionAndEmit(const QString &operation)

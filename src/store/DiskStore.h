@@ -12,6 +12,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <array>
+#include <limits>
 #include <map>
 #include <memory>
 
@@ -47,8 +48,14 @@ public:
     using EntryInfoList = QList<EntryInfo>;
     using StateSet = QSet<EntryState>;
 
+    /// Limits that mean "from the very first" and "up to the very last".
+    static constexpr int lowestSequence = std::numeric_limits<int>::min();
+    static constexpr int highestSequence = std::numeric_limits<int>::max();
+    /// In place of a parent's id: the entry keeps its parent.
+    static constexpr int keepParent = -2;
+
     /// How long one attempt at a statement or a commit waits for other processes to let go of the
-    /// file; commits are attempted three times, statements twice.
+    /// file; commits are attempted three times.
     static constexpr int busyTimeoutMs = 5000;
 
     /// Opens the file at \a path, makes it when missing, and brings it to the current schema.
@@ -86,6 +93,7 @@ public:
     bool getEntryInfo(long long id, QString *body, int *sequence, EntryState *state,
                       long long *parentId, bool *hasChildren, QDateTime *doneDate,
                       QString *shortcutKeyText);
+    bool contains(long long id);
     /// Smallest sibling sequence at or above \a limit; -1 when none. The others likewise.
     int getMinEntrySequence(long long parentId, int limit);
     int getMaxEntrySequence(long long parentId, int limit);
@@ -162,6 +170,7 @@ private:
         QueryTypeCount,
     };
 
+    void setUpPatiently();
     void setUpBaseData();
     void runUpgrades(int fromVersion);
     void upgradeToSchema1();
@@ -169,19 +178,24 @@ private:
     void upgradeToSchema3();
     void upgradeToSchema4();
     void logUpgrade(int version) const;
+    /// Runs \a sql and notes whether another process was in the way of it.
+    bool executeSetUp(QSqlQuery &query, const QString &sql);
     void runSetUpStatement(const QString &sql, const QString &operation);
     void insertStateCombo(EntryState parent, EntryState child);
     bool doesTableExist(const QString &name);
     int getMetaPropValueInt(const QString &name);
     void setMetaPropValueInt(const QString &name, int value);
     void repairSequences();
-    void renumberChildren(long long parentId);
+    QList<qint64> readIds(const QString &sql);
     QString rootTextFromFileName() const;
 
     void prepareQueries();
     void prepareQuery(QueryType type, const QString &text);
     /// Runs a prepared query, errors thrown.
     void run(QSqlQuery &query);
+    bool executeOnceFileIsFree(QSqlQuery &query);
+    /// Ends the reading of many rows; rows that a damaged file withholds are an error.
+    void finishReading(QSqlQuery &query);
     QSqlQuery &query(QueryType type) { return *m_queries[type]; }
     int readSequence(QSqlQuery &query);
     /// The current parent may have an id that the public operations' 32-bit parameter can't hold.
@@ -196,6 +210,7 @@ private:
     bool m_transactionActive = false;
     bool m_updated = false;
     bool m_unusable = false;
+    bool m_setUpFoundFileBusy = false;
 };
 
 Q_DECLARE_METATYPE(DiskStore::FileException)

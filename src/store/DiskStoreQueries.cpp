@@ -3,21 +3,43 @@
 
 #include "shared/TextHelpers.h"
 #include "store/DoneDate.h"
-
-#include <limits>
+#include "store/SqlErrors.h"
 
 using namespace Qt::StringLiterals;
 
 namespace
 {
-constexpr int lowest = std::numeric_limits<int>::min();
-constexpr int highest = std::numeric_limits<int>::max();
-
-constexpr int keepParent = -2;
 constexpr int rootExcerptLength = 20;
 
 /// SQLite's generic error, which a malformed full-text query gives.
 constexpr int genericErrorCode = 1;
+
+/// The statements, at the place of their QueryType.
+const QString statements[] = {
+    u"SELECT childstate FROM statecombo WHERE parentstate=:parentstate"_s,
+    u"SELECT id FROM entry WHERE parentid=:parentid AND sequence=:sequence"_s,
+    u"SELECT id FROM entry WHERE hotkey=:shortcutkey"_s,
+    u"SELECT eb.content, e.sequence, e.state, e.parentid, e.donedate, e.hotkeytext FROM entry e INNER JOIN entrybody eb ON eb.docid=e.id WHERE id=:entryid"_s,
+    u"SELECT id FROM entry WHERE donedate>=:fromdate AND donedate<=:todate"_s,
+    u"SELECT COUNT(*) FROM entry WHERE parentid=:entryid AND NOT EXISTS (SELECT id FROM statecombo WHERE parentstate=:newstate AND childstate=entry.state)"_s,
+    u"SELECT MIN(sequence) FROM entry WHERE parentid=:parentid AND state=:state AND sequence>=:sequencelim"_s,
+    u"SELECT MAX(sequence) FROM entry WHERE parentid=:parentid AND state=:state AND sequence<=:sequencelim"_s,
+    u"SELECT MIN(sequence) FROM entry WHERE parentid=:parentid AND sequence>=:sequencelim"_s,
+    u"SELECT MAX(sequence) FROM entry WHERE parentid=:parentid AND sequence<=:sequencelim"_s,
+    u"SELECT en.id, eb.content, en.todolistseq FROM entry en INNER JOIN entrybody eb ON en.id=eb.docid WHERE en.todolistseq NOT NULL ORDER BY en.todolistseq"_s,
+    u"INSERT INTO entry (parentid, body, sequence, state, donedate) VALUES (:parentid, '', :sequence, :state, :donedate)"_s,
+    u"UPDATE entry SET state=:state, donedate=:donedate WHERE id=:entryid"_s,
+    u"UPDATE entry SET todolistseq=:sequence WHERE id=:entryid"_s,
+    u"UPDATE entry SET todolistseq=NULL WHERE id=:entryid"_s,
+    u"UPDATE entry SET hotkey=:shortcutkey, hotkeytext=:shortcutkeytext WHERE id=:entryid"_s,
+    u"UPDATE entry SET sequence=:sequence, parentid=:parentid WHERE id=:entryid"_s,
+    u"UPDATE entry SET sequence=sequence+1 WHERE parentid=:parentid AND sequence>=:sequence"_s,
+    u"DELETE FROM entry WHERE id=:entryid"_s,
+    u"INSERT INTO entrybody (docid, content) VALUES (:entryid, :body)"_s,
+    u"UPDATE entrybody SET content=:body WHERE docid=:entryid"_s,
+    u"DELETE FROM entrybody WHERE docid=:entryid"_s,
+    u"SELECT docid, snippet(entrybody,'{','}','..') FROM entrybody WHERE content MATCH :query LIMIT 20"_s,
+};
 
 /// A null text would be bound as SQL NULL.
 QString notNull(const QString &text)
@@ -36,45 +58,9 @@ void DiskStore::prepareQueries()
     for (auto &prepared : m_queries)
         prepared.reset();
 
-    static const std::pair<QueryType, QString> statements[] = {
-        {AllowedChildStates, u"SELECT childstate FROM statecombo WHERE parentstate=:parentstate"_s},
-        {IdByPlace, u"SELECT id FROM entry WHERE parentid=:parentid AND sequence=:sequence"_s},
-        {IdByShortcutKey, u"SELECT id FROM entry WHERE hotkey=:shortcutkey"_s},
-        {EntryById,
-         u"SELECT eb.content, e.sequence, e.state, e.parentid, e.donedate, e.hotkeytext FROM entry e INNER JOIN entrybody eb ON eb.docid=e.id WHERE id=:entryid"_s},
-        {IdsByDoneDate, u"SELECT id FROM entry WHERE donedate>=:fromdate AND donedate<=:todate"_s},
-        {IncompatibleChildrenCount,
-         u"SELECT COUNT(*) FROM entry WHERE parentid=:entryid AND NOT EXISTS (SELECT id FROM statecombo WHERE parentstate=:newstate AND childstate=entry.state)"_s},
-        {MinSequenceWithState,
-         u"SELECT MIN(sequence) FROM entry WHERE parentid=:parentid AND state=:state AND sequence>=:sequencelim"_s},
-        {MaxSequenceWithState,
-         u"SELECT MAX(sequence) FROM entry WHERE parentid=:parentid AND state=:state AND sequence<=:sequencelim"_s},
-        {MinSequence,
-         u"SELECT MIN(sequence) FROM entry WHERE parentid=:parentid AND sequence>=:sequencelim"_s},
-        {MaxSequence,
-         u"SELECT MAX(sequence) FROM entry WHERE parentid=:parentid AND sequence<=:sequencelim"_s},
-        {TodoListEntries,
-         u"SELECT en.id, eb.content, en.todolistseq FROM entry en INNER JOIN entrybody eb ON en.id=eb.docid WHERE en.todolistseq NOT NULL ORDER BY en.todolistseq"_s},
-        {InsertEntry,
-         u"INSERT INTO entry (parentid, body, sequence, state, donedate) VALUES (:parentid, '', :sequence, :state, :donedate)"_s},
-        {UpdateState, u"UPDATE entry SET state=:state, donedate=:donedate WHERE id=:entryid"_s},
-        {UpdateTodoListSequence, u"UPDATE entry SET todolistseq=:sequence WHERE id=:entryid"_s},
-        {ClearTodoListSequence, u"UPDATE entry SET todolistseq=NULL WHERE id=:entryid"_s},
-        {UpdateShortcutKey,
-         u"UPDATE entry SET hotkey=:shortcutkey, hotkeytext=:shortcutkeytext WHERE id=:entryid"_s},
-        {UpdatePlace,
-         u"UPDATE entry SET sequence=:sequence, parentid=:parentid WHERE id=:entryid"_s},
-        {ShiftSequences,
-         u"UPDATE entry SET sequence=sequence+1 WHERE parentid=:parentid AND sequence>=:sequence"_s},
-        {DeleteEntry, u"DELETE FROM entry WHERE id=:entryid"_s},
-        {InsertBody, u"INSERT INTO entrybody (docid, content) VALUES (:entryid, :body)"_s},
-        {UpdateBody, u"UPDATE entrybody SET content=:body WHERE docid=:entryid"_s},
-        {DeleteBody, u"DELETE FROM entrybody WHERE docid=:entryid"_s},
-        {SearchBodies,
-         u"SELECT docid, snippet(entrybody,'{','}','..') FROM entrybody WHERE content MATCH :query LIMIT 20"_s},
-    };
-    for (const auto &[type, text] : statements)
-        prepareQuery(type, text);
+    static_assert(std::size(statements) == QueryTypeCount);
+    for (int type = 0; type < QueryTypeCount; ++type)
+        prepareQuery(static_cast<QueryType>(type), statements[type]);
 
     for (int type = 0; type < QueryTypeCount; ++type) {
         if (!m_queries[type])
@@ -94,6 +80,19 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
 void DiskStore::run(QSqlQuery &query)
 {
     executeQuery(&query, false);
+}
+
+void DiskStore::finishReading(QSqlQuery &query)
+{
+    const bool failed = query.lastError().isValid();
+    query.finish();
+    if (failed)
+        throwFileExceptionAndEmit(u"executing query"_s);
+}
+
+bool DiskStore::contains(long long id)
+{
+    return getEntryInfo(id, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 int DiskStore::readSequence(QSqlQuery &query)
@@ -139,7 +138,7 @@ bool DiskStore::getEntryInfo(long long id, QString *body, int *sequence, EntrySt
     }
     select.finish();
     if (found && hasChildren)
-        *hasChildren = getMinEntrySequence(id, lowest) != -1;
+        *hasChildren = getMinEntrySequence(id, lowestSequence) != -1;
     return found;
 }
 
@@ -189,7 +188,7 @@ const DiskStore::StateSet *DiskStore::getAllowedChildStates(EntryState parentSta
     run(select);
     while (select.next())
         states->insert(static_cast<EntryState>(select.value(0).toInt()));
-    select.finish();
+    finishReading(select);
     cached = std::move(states);
     return cached.get();
 }
@@ -216,7 +215,7 @@ QList<long long> *DiskStore::getEntryIdsByDoneDate(const QDateTime &from, const 
     run(select);
     while (select.next())
         ids->append(select.value(0).toLongLong());
-    select.finish();
+    finishReading(select);
     return ids.release();
 }
 
@@ -239,7 +238,7 @@ DiskStore::EntryInfoList *DiskStore::getAllTodosInList()
         todos->append(EntryInfo{select.value(0).toLongLong(), select.value(1).toString(),
                                 select.value(2).toInt()});
     }
-    select.finish();
+    finishReading(select);
     return todos.release();
 }
 
@@ -256,14 +255,14 @@ DiskStore::EntryInfoList *DiskStore::entrySearch(QString text)
     const QSqlError error = executeQuery(&select, true);
     if (error.isValid()) {
         select.finish();
-        if (error.nativeErrorCode().toInt() != genericErrorCode)
+        if (SqlErrors::number(error) != genericErrorCode)
             throwFileExceptionAndEmit(u"searching; query: '"_s + text + u"'"_s);
         results->append(EntryInfo{-1, u"query error"_s, -1});
         return results.release();
     }
     while (select.next())
         results->append(EntryInfo{select.value(0).toLongLong(), select.value(1).toString(), -1});
-    select.finish();
+    finishReading(select);
     return results.release();
 }
 
@@ -353,7 +352,7 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 
 bool DiskStore::deleteEntry(long long id)
 {
-    if (getMaxEntrySequence(id, highest) != -1)
+    if (getMaxEntrySequence(id, highestSequence) != -1)
         return false;
     for (const QueryType type : {DeleteBody, DeleteEntry}) {
         QSqlQuery &remove = query(type);

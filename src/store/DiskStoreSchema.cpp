@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "store/DiskStore.h"
 
-#include "store/Patience.h"
+#include "store/SqlErrors.h"
 #include "store/StoreLogging.h"
 
+#include <QDeadlineTimer>
 #include <QRegularExpression>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
 namespace
 {
 constexpr int currentSchema = 4;
-constexpr int setUpCommitAttempts = 2;
+constexpr unsigned long retryPauseMs = 100;
 
 /// Which child states may stand under which parent state, in the order in which they are stored.
 constexpr std::pair<EntryState, EntryState> stateCombinations[] = {
@@ -25,6 +27,36 @@ constexpr std::pair<EntryState, EntryState> stateCombinations[] = {
     {EntryState::WontDo, EntryState::Done},     {EntryState::WontDo, EntryState::WontDo},
 };
 } // namespace
+
+void DiskStore::setUpPatiently()
+{
+    // Another process that just writes keeps us from reading or writing for a moment.
+    const QDeadlineTimer patience(2 * busyTimeoutMs);
+    while (true) {
+        try {
+            setUpBaseData();
+            return;
+        } catch (const FileException &) {
+            const bool busy
+                = m_setUpFoundFileBusy || SqlErrors::isBusy(m_connection.database().lastError());
+            if (!busy || patience.hasExpired())
+                throw;
+        }
+        m_connection.database().rollback();
+        m_setUpFoundFileBusy = false;
+        m_unusable = false;
+        QThread::msleep(retryPauseMs);
+    }
+}
+
+bool DiskStore::executeSetUp(QSqlQuery &query, const QString &sql)
+{
+    if (query.exec(sql))
+        return true;
+    m_setUpFoundFileBusy = SqlErrors::isBusy(query.lastError());
+    qCDebug(lcStore) << "statement failed:" << query.lastError() << sql;
+    return false;
+}
 
 void DiskStore::setUpBaseData()
 {
@@ -47,7 +79,7 @@ void DiskStore::setUpBaseData()
     runUpgrades(version);
     repairSequences();
     setMetaPropValueInt(u"dbschema"_s, currentSchema);
-    if (!Patience::tryTimes(setUpCommitAttempts, [&] { return database.commit(); }))
+    if (!database.commit())
         throwFileExceptionAndEmit(u"saving changes after schema upgrade"_s);
 
     if (version != currentSchema)
@@ -69,10 +101,8 @@ void DiskStore::runUpgrades(int fromVersion)
 void DiskStore::runSetUpStatement(const QString &sql, const QString &operation)
 {
     QSqlQuery statement(m_connection.database());
-    if (!Patience::execute(statement, [&] { return statement.exec(sql); })) {
-        qCDebug(lcStore) << "statement failed:" << statement.lastError() << sql;
+    if (!executeSetUp(statement, sql))
         throwFileExceptionAndEmit(operation);
-    }
 }
 
 void DiskStore::logUpgrade(int version) const
@@ -125,7 +155,7 @@ void DiskStore::upgradeToSchema3()
     qint64 rootId = -1;
     {
         QSqlQuery idQuery(m_connection.database());
-        if (!idQuery.exec(u"SELECT last_insert_rowid()"_s))
+        if (!executeSetUp(idQuery, u"SELECT last_insert_rowid()"_s))
             throwFileExceptionAndEmit(u"getting id of new root entry (1)"_s);
         if (!idQuery.next())
             throwFileExceptionAndEmit(u"getting id of new root entry (2)"_s);
@@ -187,7 +217,7 @@ bool DiskStore::doesTableExist(const QString &name)
 int DiskStore::getMetaPropValueInt(const QString &name)
 {
     QSqlQuery query(m_connection.database());
-    if (!query.exec(u"SELECT value FROM meta WHERE name='"_s + name + u"'"_s))
+    if (!executeSetUp(query, u"SELECT value FROM meta WHERE name='"_s + name + u"'"_s))
         throwFileExceptionAndEmit(u"checking file schema version number"_s);
     return query.next() ? query.value(0).toInt() : -1;
 }
@@ -210,39 +240,31 @@ void DiskStore::repairSequences()
 {
     // Siblings that share a number hide each other, and a number outside 0 ... 2^31-2 leaves no
     // room for the next; only files that other programs wrote hold such.
-    QList<qint64> parents;
-    {
-        QSqlQuery query(m_connection.database());
-        query.setForwardOnly(true);
-        if (!query.exec(u"SELECT parentid FROM entry WHERE parentid<>-1 GROUP BY parentid HAVING "
-                        "MIN(sequence)<0 OR MAX(sequence)>2147483646 OR "
-                        "COUNT(*)<>COUNT(DISTINCT sequence)"_s))
-            throwFileExceptionAndEmit(u"looking for unusable sibling numbers"_s);
-        while (query.next())
-            parents.append(query.value(0).toLongLong());
-    }
+    const QList<qint64> parents
+        = readIds(u"SELECT parentid FROM entry WHERE parentid<>-1 GROUP BY parentid HAVING "
+                  "MIN(sequence)<0 OR MAX(sequence)>2147483646 OR "
+                  "COUNT(*)<>COUNT(DISTINCT sequence)"_s);
     for (const qint64 parent : parents) {
         qCDebug(lcStore) << "renumbering the children of entry" << parent;
-        renumberChildren(parent);
+        const QList<qint64> children = readIds(
+            u"SELECT id FROM entry WHERE parentid=%1 ORDER BY sequence, id"_s.arg(parent));
+        for (int place = 0; place < children.size(); ++place) {
+            runSetUpStatement(
+                u"UPDATE entry SET sequence=%1 WHERE id=%2"_s.arg(place).arg(children.at(place)),
+                u"renumbering siblings"_s);
+        }
     }
 }
 
-void DiskStore::renumberChildren(long long parentId)
+QList<qint64> DiskStore::readIds(const QString &sql)
 {
-    const QString operation = u"renumbering siblings"_s;
-    QList<qint64> children;
-    {
-        QSqlQuery query(m_connection.database());
-        query.setForwardOnly(true);
-        if (!query.exec(u"SELECT id FROM entry WHERE parentid="_s + QString::number(parentId)
-                        + u" ORDER BY sequence, id"_s))
-            throwFileExceptionAndEmit(operation);
-        while (query.next())
-            children.append(query.value(0).toLongLong());
-    }
-    for (int place = 0; place < children.size(); ++place) {
-        runSetUpStatement(u"UPDATE entry SET sequence="_s + QString::number(place) + u" WHERE id="_s
-                              + QString::number(children.at(place)),
-                          operation);
-    }
+    QList<qint64> ids;
+    QSqlQuery query(m_connection.database());
+    query.setForwardOnly(true);
+    // A file that can't be read is reported by the steps that need what is in it.
+    if (!executeSetUp(query, sql))
+        return ids;
+    while (query.next())
+        ids.append(query.value(0).toLongLong());
+    return ids;
 }

@@ -33,6 +33,19 @@ int FileManager::indexOf(const DiskStore *store) const
     return found == m_files.end() ? -1 : static_cast<int>(found - m_files.begin());
 }
 
+int FileManager::slotBefore(const QPointer<DiskStore> &next, int index) const
+{
+    // The list can change while a dialog is open.
+    const int position = indexOf(next);
+    return next && position != -1 ? position : std::min(index, getFileCount());
+}
+
+bool FileManager::isAccessible(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.exists() && info.isReadable() && info.isWritable();
+}
+
 bool FileManager::isOpen(const QString &path) const
 {
     return std::any_of(m_files.begin(), m_files.end(),
@@ -85,14 +98,24 @@ void FileManager::fileError(DiskStore::FileException e)
     }
     const QString text = e.message + tr(" This file has been closed.");
     if (store->isStillAtItsPath()) {
-        unloadFile(indexOf(store), true);
+        closeFailedFile(store);
         critical(text, e.details);
         return;
     }
     // The only copy of the data is the one that this store holds open: the user hears of it first.
     critical(text, e.details);
-    if (store)
+    closeFailedFile(store);
+}
+
+void FileManager::closeFailedFile(const QPointer<DiskStore> &store)
+{
+    if (!store)
+        return;
+    try {
         unloadFile(indexOf(store), true);
+    } catch (const DiskStore::FileException &) {
+        // A second file failed while the others took notice; its own error follows.
+    }
 }
 
 void FileManager::openFile(const QString &path, int index)
@@ -111,14 +134,13 @@ void FileManager::openFile(const QString &path, int index)
 
 void FileManager::openFileFromCommandLine(const QString &path)
 {
-    const QFileInfo info(path);
-    if (isOpen(info.absoluteFilePath()))
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    if (isOpen(absolute))
         return;
-    if (!info.isFile() || !info.isReadable() || !info.isWritable()) {
-        critical(tr("File could not be accessed. It will be skipped."), info.absoluteFilePath());
-        return;
-    }
-    openFile(info.absoluteFilePath(), getFileCount());
+    if (isAccessible(absolute))
+        openFile(absolute, getFileCount());
+    else
+        critical(tr("File could not be accessed. It will be skipped."), absolute);
 }
 
 bool FileManager::noFileSelectedOrFileAlreadyOpen(const QString &path)
@@ -138,6 +160,8 @@ QString FileManager::askForNewFile()
     QFileDialog dialog(nullptr, tr("Create a new file"), QDir::homePath(),
                        tr("Brindle files (*.bdl)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    // Desktops' own dialogs add the suffix after their question, and would replace a file unasked.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setDefaultSuffix(u"bdl"_s);
     dialog.selectFile(u"data.bdl"_s);
@@ -162,12 +186,13 @@ bool FileManager::makeWayForNewFile(const QString &path)
 
 void FileManager::createFile(int index)
 {
+    const QPointer<DiskStore> next = getFile(index);
     while (true) {
         const QString path = askForNewFile();
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
         if (makeWayForNewFile(path)) {
-            openFile(path, index);
+            openFile(path, slotBefore(next, index));
             return;
         }
     }
@@ -175,6 +200,7 @@ void FileManager::createFile(int index)
 
 void FileManager::loadFile(int index)
 {
+    const QPointer<DiskStore> next = getFile(index);
     const QString filter = tr("Brindle files (*.bdl)");
     while (true) {
         QString selected = filter;
@@ -183,9 +209,8 @@ void FileManager::loadFile(int index)
                                            tr("Any file (*);;") + filter, &selected);
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
-        const QFileInfo info(path);
-        if (info.exists() && info.isReadable() && info.isWritable()) {
-            openFile(path, index);
+        if (isAccessible(path)) {
+            openFile(path, slotBefore(next, index));
             return;
         }
         showInformation(tr("File Not Accessible"),

@@ -86,7 +86,10 @@ private:
     void dropStoredFile(int number);
     void connectStore(DiskStore *store);
     void queueError(DiskStore *store, const DiskStore::FileException &e);
+    void closeFailedFile(const QPointer<DiskStore> &store);
     int indexOf(const DiskStore *store) const;
+    int slotBefore(const QPointer<DiskStore> &next, int index) const;
+    static bool isAccessible(const QString &path);
     bool isOpen(const QString &path) const;
     QString askForNewFile();
     bool makeWayForNewFile(const QString &path);

@@ -3,7 +3,6 @@
 
 #include "store/StoreLogging.h"
 
-#include <QFileInfo>
 #include <QSet>
 #include <QSettings>
 #include <algorithm>
@@ -76,8 +75,7 @@ QList<FileManager::StoredFile> FileManager::readStoredFiles() const
 
 void FileManager::loadStoredFile(const StoredFile &file)
 {
-    const QFileInfo info(file.path);
-    if (!info.exists() || !info.isReadable() || !info.isWritable()) {
+    if (!isAccessible(file.path)) {
         critical(tr("File could not be accessed. It will be skipped."), file.path);
         dropStoredFile(file.number);
         return;

@@ -6,6 +6,7 @@
 #include "shared/TextGuard.h"
 #include "store/FileManager.h"
 #include "ui/CommandLog.h"
+#include "ui/HierarchyWindow.h"
 #include "ui/KeyPress.h"
 
 #include <QApplication>
@@ -81,6 +82,7 @@ bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
 void AppCommandFilter::carryOut(Command command)
 {
     logCommand(command);
+    m_mainWindow->setRegisterShortcut(false);
     switch (command) {
     case Command::DiscardChanges:
         m_fileManager->rollbackAndRestartTransactions();

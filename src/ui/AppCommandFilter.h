@@ -37,7 +37,7 @@ private:
     FileManager *m_fileManager;
     HierarchyModel *m_model;
     // For the windows that are made when their command is first given.
-    [[maybe_unused]] HierarchyWindow *m_mainWindow;
+    HierarchyWindow *m_mainWindow;
     [[maybe_unused]] NativeSupport *m_nativeSupport;
     [[maybe_unused]] AppActivationSupport *m_activationSupport;
 };

@@ -71,10 +71,23 @@ bool HierarchyWindow::EntryTextEdit::event(QEvent *event)
 
 void HierarchyWindow::EntryTextEdit::keyPressEvent(QKeyEvent *event)
 {
-    if (belongsToWindow(*event))
+    if (belongsToWindow(*event)) {
         event->ignore();
-    else
+    } else if (event->matches(QKeySequence::InsertLineSeparator)) {
+        // Return saves, so this is how people start a second line; Qt would put in a character
+        // that only Qt takes for a line break.
+        textCursor().insertBlock();
+        ensureCursorVisible();
+    } else {
         QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
+void HierarchyWindow::EntryTextEdit::insertFromMimeData(const QMimeData *source)
+{
+    // Qt 6.4 crashes on an empty clipboard.
+    if (source && canInsertFromMimeData(source))
+        QPlainTextEdit::insertFromMimeData(source);
 }
 
 // What the key map binds wins over the editor's own bindings: Qt gives it Ctrl+K, Ctrl+D and Ctrl+E

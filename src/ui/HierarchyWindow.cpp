@@ -32,9 +32,12 @@ HierarchyWindow::HierarchyWindow(HierarchyModel *model, AppActivationSupport *ac
     , m_hiddenArrow(u":/images/haschildrenarrow_hidden.png"_s)
 {
     buildLayout();
-    resetStylesheet();
+    // The editor must hold the entry's text before anything asks for it.
+    refresh();
     connect(m_activationSupport, &AppActivationSupport::activationChanged, this,
             &HierarchyWindow::updateModelBody);
+    connect(m_activationSupport, &AppActivationSupport::activationChanged, this,
+            [this] { setRegisterShortcut(false); });
     connect(m_activationSupport, &AppActivationSupport::activationChanged, this,
             &HierarchyWindow::refresh);
 }

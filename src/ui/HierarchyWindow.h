@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/Command.h"
+#include "shared/EntryAddress.h"
 #include "shared/EntryState.h"
 #include "ui/AbstractWindow.h"
 
@@ -94,6 +95,7 @@ private:
     Qt::KeyboardModifiers m_shortcutModifier;
     int m_shortcutModifierKey;
     bool m_registerShortcut = false;
+    EntryAddress m_shownAddress; ///< The entry in the editor at the last refresh.
     QPixmap m_hasChildrenArrow;
     QPixmap m_hiddenArrow;
 

@@ -18,6 +18,12 @@ namespace
 constexpr int editorPage = 0;
 constexpr int panelPage = 1;
 
+/// Excerpts come without line feeds, but texts of other programs hold Unicode's own line breaks.
+QString inOneLine(QString text)
+{
+    return text.replace(QChar::LineSeparator, u' ').replace(QChar::ParagraphSeparator, u' ');
+}
+
 /// Tool tips guess whether they are rich text; a path never is.
 QString plainToolTip(const QString &text)
 {
@@ -66,7 +72,7 @@ void HierarchyWindow::showPage()
         m_stack->setCurrentIndex(panelPage);
         return;
     }
-    setWindowTitle(u"Brindle ("_s + m_model->getRootExcerpt() + u')');
+    setWindowTitle(u"Brindle ("_s + inOneLine(m_model->getRootExcerpt()) + u')');
     m_stack->setCurrentIndex(editorPage);
     m_editor->setFocus();
 }
@@ -74,7 +80,7 @@ void HierarchyWindow::showPage()
 void HierarchyWindow::showParent()
 {
     const QString body = m_model->getParentBody();
-    m_parentLabel->setText(body);
+    m_parentLabel->setText(inOneLine(body));
     m_parentShortcutKeyLabel->setText(m_model->getParentShortcutKeyText());
     showState(m_parentStateBar, m_model->getParentState());
     for (QWidget *widget : {m_parentStateBar, static_cast<QWidget *>(m_parentLabel),
@@ -85,15 +91,20 @@ void HierarchyWindow::showParent()
 void HierarchyWindow::showNeighbours()
 {
     showState(m_precedingStateBar, m_model->getPrecedingSiblingEntryState());
-    m_precedingLabel->setText(m_model->getPrecedingSiblingEntryBody());
+    m_precedingLabel->setText(inOneLine(m_model->getPrecedingSiblingEntryBody()));
     showState(m_followingStateBar, m_model->getFollowingSiblingEntryState());
-    m_followingLabel->setText(m_model->getFollowingSiblingEntryBody());
+    m_followingLabel->setText(inOneLine(m_model->getFollowingSiblingEntryBody()));
 }
 
 void HierarchyWindow::showCurrentEntry()
 {
     showState(m_currentStateBar, m_model->getState());
     m_editor->showBody(m_model->getBody());
+    if (m_model->getCurrentAddress() != m_shownAddress) {
+        // Undoing must not bring another entry's words back into this one.
+        m_shownAddress = m_model->getCurrentAddress();
+        m_editor->document()->clearUndoRedoStacks();
+    }
     m_shortcutKeyLabel->setText(m_model->getShortcutKeyText());
     const bool hasChildren = m_model->getHasChildren();
     m_hasChildrenLabel->setPixmap(hasChildren ? m_hasChildrenArrow : m_hiddenArrow);
