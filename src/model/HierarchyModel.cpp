@@ -282,6 +282,7 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
 {
     if (address.entryId == -1)
         throw "-1 not allowed";
+    const EntryAddress before = getCurrentAddress();
     if (!getAndWriteModifiedBodyToDb()) {
         Refusal::refuse();
         return;
@@ -290,7 +291,8 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
     // nothing changes before the target is known to exist.
     DiskStore *store = m_fileManager->getFile(address.fileIndex);
     if (!store || !store->contains(address.entryId)) {
-        postStateChange();
+        if (getCurrentAddress() != before)
+            postStateChange();
         Refusal::refuse();
         return;
     }
@@ -321,11 +323,14 @@ int HierarchyModel::fileIndexOf(const DiskStore *store) const
 // the text of another entry, or it would be written there.
 void HierarchyModel::redrawWhenItFails(const std::function<void()> &action)
 {
+    const EntryAddress before = getCurrentAddress();
     try {
         action();
     } catch (...) {
-        m_modifiedBody = m_body;
-        emit changed();
+        if (getCurrentAddress() != before) {
+            m_modifiedBody = m_body;
+            emit changed();
+        }
         throw;
     }
 }
@@ -386,8 +391,14 @@ void HierarchyModel::goToNeighbourOfClosedFile(int index)
     m_modifiedBody = m_body;
     m_currentFileIndex = std::min(index, m_fileManager->getFileCount());
     takeNeighbours(Neighbour(), Neighbour());
-    const int next = std::min(index, m_fileManager->getFileCount() - 1);
-    goToFileRoot(std::max(next, 0), next < 0);
+    for (int next = std::min(index, m_fileManager->getFileCount() - 1); next >= 0; --next) {
+        const auto goToNext = [this, next] { goToFileRoot(next, false); };
+        guardAgainstFileErrors(lcModel(), "goToNeighbourOfClosedFile", [&] {
+            guardAgainstTexts(lcModel(), "goToNeighbourOfClosedFile", goToNext);
+        });
+        if (m_diskStore)
+            return;
+    }
 }
 
 void HierarchyModel::tryToResetStateAfterDbRollback()

@@ -99,6 +99,10 @@ void DiskStore::startTransaction()
 
 void DiskStore::commitOrThrow()
 {
+    const QString operation = u"committing SQL transaction before starting a new one"_s;
+    // A change that failed half-way must not be saved.
+    if (m_unusable)
+        throwFileExceptionAndEmit(operation);
     // A commit into a file that is no longer at its path would succeed and be lost.
     if (!isStillAtItsPath()) {
         const QString what
@@ -112,7 +116,7 @@ void DiskStore::commitOrThrow()
     QSqlDatabase &database = m_connection.database();
     for (int attempt = 1; !database.commit(); ++attempt) {
         if (attempt == commitAttempts || !SqlErrors::isBusy(database.lastError()))
-            throwFileExceptionAndEmit(u"committing SQL transaction before starting a new one"_s);
+            throwFileExceptionAndEmit(operation);
         QThread::msleep(retryPauseMs);
     }
 }

@@ -205,9 +205,10 @@ bool DiskStore::doesTableExist(const QString &name)
 {
     const QString operation = u"checking for existence of '"_s + name + u"' table "_s;
     QSqlQuery query(m_connection.database());
-    if (!query.exec(
+    if (!executeSetUp(
+            query,
             u"SELECT COUNT(*)==1 AS count FROM sqlite_master WHERE type='table' AND name='"_s + name
-            + u"'"_s))
+                + u"'"_s))
         throwFileExceptionAndEmit(operation + u"(1)"_s);
     if (!query.next())
         throwFileExceptionAndEmit(operation + u"(2)"_s);

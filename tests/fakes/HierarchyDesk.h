@@ -161,6 +161,15 @@ public:
         activateWindow();
     }
 
+    /// Ends the program in the small and starts it again; what was not saved is lost.
+    void restart()
+    {
+        editor.reset();
+        model.reset();
+        files.reset();
+        start();
+    }
+
     /// Makes the counting window the active one, also after a message box took the place.
     void activateWindow()
     {

@@ -79,7 +79,7 @@ inline void build(DiskStore &store, qint64 parentId, const QString &outline)
 {
     struct Level {
         qint64 parentId;
-        int nextSequence;
+        qint64 nextSequence; ///< Wide enough to be one beyond the highest number.
     };
     QList<Level> levels{{parentId, 0}};
     const QStringList lines = outline.split(u'\n', Qt::SkipEmptyParts);
@@ -98,8 +98,9 @@ inline void build(DiskStore &store, qint64 parentId, const QString &outline)
             text = text.left(at).trimmed();
         }
         const EntryState state = stateOf(*mark);
-        latestId = store.insertEntry(level.parentId, text, level.nextSequence, state,
-                                     state == EntryState::Done ? builtDoneDate() : QDateTime());
+        latestId
+            = store.insertEntry(level.parentId, text, static_cast<int>(level.nextSequence), state,
+                                state == EntryState::Done ? builtDoneDate() : QDateTime());
         ++level.nextSequence;
     }
 }

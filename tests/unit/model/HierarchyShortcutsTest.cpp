@@ -41,6 +41,7 @@ private slots:
     void cancelLeavesThePositionButTheTextIsWritten();
     void chooserLabelsAreCutToTwentyCharacters();
     void chooserFollowsTheOrderOfTheFiles();
+    void anUnreadableEntryInTheChooserIsThrown();
     void aFileClosedWhileTheChooserIsOpenIsNotJumpedTo();
     void bindingsAreSavedAndFoundAgain();
     void aDiscardTakesTheBindingBack();
@@ -511,6 +512,21 @@ void HierarchyShortcutsTest::chooserFollowsTheOrderOfTheFiles()
     QCOMPARE(labels, (QStringList{u"z"_s, u"a"_s}));
     QCOMPARE(desk.where(), u"z: z1 <z2> -"_s);
     QCOMPARE(desk.model->getFileName(), u"two.bdl"_s);
+}
+
+void HierarchyShortcutsTest::anUnreadableEntryInTheChooserIsThrown()
+{
+    HierarchyDesk desk;
+    desk.addFile(u"one.bdl"_s, u"- a\n"_s);
+    const QString other = desk.addFile(u"two.bdl"_s, u"- z\n"_s);
+    Outline::runOnDisk(other,
+                       {u"UPDATE entry SET hotkey=75, hotkeytext='K' WHERE id=2"_s,
+                        u"DELETE FROM entrybody WHERE docid=2"_s});
+    desk.start();
+    desk.goTo(u"a"_s);
+    QVERIFY(desk.model->registerShortcut(Qt::Key_K, u"K"_s));
+    QCOMPARE(thrownBy([&] { desk.model->goToEntryByShortcutKey(Qt::Key_K); }), "entry not found?");
+    QCOMPARE(desk.where(), u"one.bdl: - <a> -"_s);
 }
 
 void HierarchyShortcutsTest::aFileClosedWhileTheChooserIsOpenIsNotJumpedTo()

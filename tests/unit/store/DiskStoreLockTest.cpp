@@ -104,7 +104,8 @@ void DiskStoreLockTest::fileLockedForAWhileIsOpenedAfterIt()
     QElapsedTimer time;
     time.start();
     const auto e = openingError(path);
-    QVERIFY2(!e, qPrintable(u"%1 ms\n"_s.arg(time.elapsed()) + e->details));
+    const QString details = e ? e->details : QString();
+    QVERIFY2(!e, qPrintable(u"after %1 ms: %2"_s.arg(time.elapsed()).arg(details)));
     QVERIFY(time.elapsed() > 6000);
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "StoreTestSupport.h"
 
+#include "fakes/TestSettings.h"
+#include "store/FileManager.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDirIterator>
@@ -133,6 +136,35 @@ bool StoreTest::writeBytes(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     return file.open(QFile::WriteOnly) && file.write(content) == content.size();
+}
+
+QStringList StoreTest::storedFiles()
+{
+    QSettings settings;
+    settings.beginGroup(u"loadfiles"_s);
+    QStringList result;
+    for (const QString &key : settings.childKeys())
+        result << key + u'=' + settings.value(key).toString();
+    result.sort();
+    return result;
+}
+
+QStringList StoreTest::names(const FileManager &files)
+{
+    QStringList result;
+    for (int i = 0; i < files.getFileCount(); ++i)
+        result << files.getFile(i)->dbFileName();
+    return result;
+}
+
+QStringList StoreTest::makeFiles(const TestSettings &settings, const QStringList &fileNames)
+{
+    QStringList paths;
+    for (const QString &name : fileNames) {
+        paths << settings.filePath(name);
+        makeEmptyStore(paths.last());
+    }
+    return paths;
 }
 
 void StoreTest::makeEmptyStore(const QString &path)

@@ -10,6 +10,9 @@
 #include <functional>
 #include <optional>
 
+class FileManager;
+class TestSettings;
+
 /// What the tests of the store share: looking at files from outside, other processes that hold
 /// them, errors caught as values, and modal boxes answered as a user would.
 namespace StoreTest
@@ -32,6 +35,13 @@ QString change(const QString &path, const QStringList &statements);
 /// What is in the file at \a path, byte by byte.
 QByteArray bytes(const QString &path);
 bool writeBytes(const QString &path, const QByteArray &content);
+
+/// "key=path" of each file that the settings list, sorted by key as text.
+QStringList storedFiles();
+/// The names of the open files, in their order.
+QStringList names(const FileManager &files);
+/// Fresh data files with these names, in the test's folder; their paths.
+QStringList makeFiles(const TestSettings &settings, const QStringList &fileNames);
 
 /// Makes a file of today's form at \a path, with its root entry only.
 void makeEmptyStore(const QString &path);
