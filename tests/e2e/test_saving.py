@@ -205,7 +205,17 @@ class Quitting(SavingTestCase):
                 self.assertEqual(brindle.wait_for_exit(), 0)
                 self.assertEqual(datafile.texts(path), {"Typed", "Second"})
 
-    def test_a_termination_signal_while_hidden_and_under_a_prompt(self):
+    def test_a_termination_signal_while_hidden_saves_what_is_in_the_editor(self):
+        path = self.make_file("tasks.bdl")
+        brindle = self.start_and_type(path)
+        brindle.keys("Escape")
+        brindle.wait_until_hidden()
+        self.assertEqual(datafile.texts(path), {"First", "Second"})
+        brindle.send(signal.SIGTERM)
+        self.assertEqual(brindle.wait_for_exit(), 0)
+        self.assertEqual(datafile.texts(path), {"Typed", "Second"})
+
+    def test_a_termination_signal_under_an_open_prompt_saves_too(self):
         path = self.make_file("tasks.bdl")
         brindle = self.start_and_type(path)
         brindle.keys("ctrl+q")

@@ -252,7 +252,7 @@ class Brindle:
         """The message boxes on the screen, oldest first."""
         root = self._application()
         found = []
-        for node in (root.children() if root else ()):
+        for node in (root.children_or_none() if root else ()):
             if node.has("showing") and node.role in ("alert", "alert message", "message box"):
                 found.append(_read_box(node))
         return found
@@ -284,7 +284,7 @@ class Brindle:
     def dialog(self, title):
         """The node of another window of the program, or None."""
         root = self._application()
-        for node in (root.children() if root else ()):
+        for node in (root.children_or_none() if root else ()):
             if node.name == title and node.has("showing"):
                 return node
         return None
