@@ -102,7 +102,7 @@ QString ReportBuilder::columns(const QDateTime &doneDate) const
     if (!doneDate.isValid())
         return m_blankColumns;
     const QDateTime local = m_zone.isValid() ? doneDate.toTimeZone(m_zone) : doneDate.toLocalTime();
-    return m_locale.toString(local.date(), u"ddd"_s).leftJustified(weekdayWidth) + u' '
+    return m_locale.toString(local.date(), u"ddd"_s) + u' '
         + m_locale.toString(local.date(), m_dateFormat).rightJustified(m_dateWidth) + u' '
         + m_locale.toString(local.time(), m_timeFormat).rightJustified(m_timeWidth);
 }
