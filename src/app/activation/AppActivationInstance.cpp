@@ -204,15 +204,23 @@ void AppActivationSupport::bytesReceived()
         break;
     case ActivationCommand:
         qCDebug(lcInstance) << "received activation command from another instance";
-        handleRequest(Request::Activate);
+        handleRequestLater(Request::Activate);
         break;
     case TerminationCommand:
         qCDebug(lcInstance) << "received termination command from another instance";
-        handleRequest(Request::Terminate);
+        handleRequestLater(Request::Terminate);
         break;
     default:
         break;
     }
+}
+
+// A request can end in a prompt. Were that run from inside the socket's own signal, the client
+// could leave, and its socket be deleted, under the signal's feet.
+void AppActivationSupport::handleRequestLater(Request request)
+{
+    QMetaObject::invokeMethod(
+        this, [this, request] { handleRequest(request); }, Qt::QueuedConnection);
 }
 
 void AppActivationSupport::handleRequest(Request request)
