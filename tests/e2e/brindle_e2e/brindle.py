@@ -333,7 +333,8 @@ class Brindle:
         if root is None or self.process.poll() is not None:
             return None
         for node in root.children_or_none():
-            if node.role == "dialog" and node.name.startswith("Brindle") and node.has("showing"):
+            if (node.role == "dialog" and node.name.startswith("Brindle")
+                    and node.name != "Brindle Help" and node.has("showing")):
                 return node
         return None
 
