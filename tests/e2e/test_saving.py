@@ -61,7 +61,7 @@ class Saving(SavingTestCase):
         brindle.go("ctrl+l", "")
         brindle.write_entry("Below third")
         self.assertEqual(datafile.texts(path), {"First", "Second"})
-        self.assertEqual(datafile.row(path, "Second")["state"], datafile.TODO)
+        self.assertEqual(datafile.row(path, "Second")["state"], datafile.STATE_TODO)
 
         brindle.save_and_hide()
         self.assertEqual(datafile.outline(path)[0][1],
@@ -93,7 +93,7 @@ class Saving(SavingTestCase):
         brindle.expect(text="Second", state="to-do", preceding="First", following="")
         brindle.save_and_hide()
         self.assertEqual(datafile.children(path, "tasks.bdl"), ["First", "Second"])
-        self.assertEqual(datafile.row(path, "Second")["state"], datafile.TODO)
+        self.assertEqual(datafile.row(path, "Second")["state"], datafile.STATE_TODO)
 
     def test_discarding_a_new_entry_goes_to_its_parent(self):
         path = self.make_file("tasks.bdl")
