@@ -24,6 +24,7 @@ private slots:
     void negativeAndLargestStoredNumbersAreTaken();
     void unloadingFile1Of3RemovesItsRowsAndFile2Becomes1();
     void loadingAFileInTheMiddleShiftsTheFilesBehind();
+    void openingAFileInFrontShowsTheOrderOfTheNextStart();
     void movingFilesKeepsTheOrder_data();
     void movingFilesKeepsTheOrder();
     void closingAFileKeepsTheOrderOfTheOthersAfterRestart();
@@ -107,6 +108,21 @@ void TodoListFilesTest::loadingAFileInTheMiddleShiftsTheFilesBehind()
         desk.rows(),
         (QStringList{u"2:b1"_s, u"0:a1"_s, u"3:c1"_s, u"1:n"_s, u"2:b2"_s, u"3:c2"_s, u"0:a2"_s}));
     QVERIFY(!desk.somethingWritten());
+}
+
+void TodoListFilesTest::openingAFileInFrontShowsTheOrderOfTheNextStart()
+{
+    TodoDesk desk;
+    desk.addFile(u"one.bdl"_s, {{u"a"_s, 5}});
+    const QString path = desk.makeFile(u"two.bdl"_s, {{u"b"_s, 5}});
+    desk.start();
+    desk.files().openFile(path, 0);
+    QVERIFY(!desk.somethingWritten());
+    const QStringList rows = desk.rows();
+    QCOMPARE(rows.size(), 2);
+    desk.files().commitAndRestartTransactions();
+    desk.restart();
+    QCOMPARE(desk.rows(), rows);
 }
 
 void TodoListFilesTest::movingFilesKeepsTheOrder_data()
