@@ -166,3 +166,28 @@ private:
     int m_fileErrors = 0;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 };
+
+/// Three files, with two numbers that both the first and the second use.
+inline void startThreeFiles(TodoDesk &desk)
+{
+    desk.addFile(QStringLiteral("one.bdl"),
+                 {{QStringLiteral("a1"), 100},
+                  {QStringLiteral("a2"), 200},
+                  {QStringLiteral("a3"), TodoDesk::unlisted}});
+    desk.addFile(QStringLiteral("two.bdl"),
+                 {{QStringLiteral("b1"), 100},
+                  {QStringLiteral("b2"), 150},
+                  {QStringLiteral("b3"), TodoDesk::unlisted}});
+    desk.addFile(QStringLiteral("three.bdl"),
+                 {{QStringLiteral("c1"), 120},
+                  {QStringLiteral("c2"), 200},
+                  {QStringLiteral("c3"), TodoDesk::unlisted}});
+    desk.start();
+}
+
+/// The rows then.
+inline QStringList threeFilesInOrder()
+{
+    return {QStringLiteral("1:b1"), QStringLiteral("0:a1"), QStringLiteral("2:c1"),
+            QStringLiteral("1:b2"), QStringLiteral("2:c2"), QStringLiteral("0:a2")};
+}
