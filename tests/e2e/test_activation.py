@@ -126,7 +126,7 @@ class Hotkey(ActivationTestCase):
         # A second copy with its own settings cannot have the hotkey that the first one holds.
         self.start_beside()
         second = self.launch(env={"XDG_RUNTIME_DIR": os.path.join(self.home.folder, "data"),
-                                  "XDG_CONFIG_HOME": os.path.join(self.home.folder, "config2")})
+                                  "XDG_CONFIG_HOME": self.home.other_config("config2")})
         second.end_splash()
         second.wait_for_main_window()
         self.assertEqual(second.boxes(), [])

@@ -21,16 +21,19 @@ QString endpointName()
 }
 } // namespace
 
-InstanceEndpoint::InstanceEndpoint()
-    : m_folder(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation))
+QString InstanceEndpoint::folder()
 {
-    if (!QFile::exists(m_folder) && QDir().mkpath(m_folder))
-        QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (m_folder.isEmpty()) {
+        m_folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+        if (!QFile::exists(m_folder) && QDir().mkpath(m_folder))
+            QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    return m_folder;
 }
 
-QString InstanceEndpoint::socketPath() const
+QString InstanceEndpoint::socketPath()
 {
-    return m_folder + u'/' + endpointName();
+    return folder() + u'/' + endpointName();
 }
 
 bool InstanceEndpoint::claim()

@@ -10,17 +10,17 @@
 class InstanceEndpoint
 {
 public:
-    /// Makes the folder, private to the user, when it is missing.
-    InstanceEndpoint();
-
     /// Full path of the socket.
-    QString socketPath() const;
+    QString socketPath();
 
     /// Tries to become the one copy that may listen; held for this object's life. A lock of a
     /// process that no longer lives doesn't count.
     bool claim();
 
 private:
+    /// Looked up at the first use; made, private to the user, when it is missing.
+    QString folder();
+
     QString m_folder;
     std::unique_ptr<QLockFile> m_lock;
 };

@@ -11,6 +11,7 @@ class Home:
         self.folder = folder
         for name in ("files", "runtime"):
             os.makedirs(os.path.join(folder, name), mode=0o700)
+        self.write_settings("")
 
     @property
     def env(self):
@@ -30,9 +31,14 @@ class Home:
         return os.path.join(self.folder, "config", "Osterlane", "Brindle.conf")
 
     def write_settings(self, text):
-        os.makedirs(os.path.dirname(self.settings_path), exist_ok=True)
-        with open(self.settings_path, "w", encoding="utf-8") as file:
-            file.write(text)
+        """Replaces the settings by these, with the check for updates off as in every test."""
+        _write(self.settings_path, _without_update_check(text))
+
+    def other_config(self, name):
+        """A second settings folder, for a copy that is not to share them."""
+        folder = os.path.join(self.folder, name)
+        _write(os.path.join(folder, "Osterlane", "Brindle.conf"), _without_update_check(""))
+        return folder
 
     def remember_files(self, *paths, automatic_activation="false"):
         """Settings that open these files at the next start."""
@@ -65,3 +71,16 @@ class Home:
         if [len(found) for found in numbers] != [2, 2]:
             return None
         return tuple(int(number) for found in numbers for number in found)
+
+
+def _without_update_check(settings):
+    """No test talks to the network."""
+    if "[General]\n" not in settings:
+        settings = f"[General]\n\n{settings}"
+    return settings.replace("[General]\n", "[General]\ndontcheckforupdates=true\n", 1)
+
+
+def _write(path, text):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
