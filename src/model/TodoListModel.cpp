@@ -24,6 +24,12 @@ QString rowMimeType()
 /// Rebuilds the numbers of \a items around a gap at \a row; see TodoSequences.
 template <typename Items> int makeRoom(Items &items, int row, int wanted)
 {
+    // Mostly the wanted number fits, and nothing has to move.
+    const auto place = static_cast<std::size_t>(row);
+    const bool fitsBelow = row == 0 || items[place - 1].sequence < wanted;
+    const bool fitsAbove = place == items.size() || wanted < items[place].sequence;
+    if (wanted != -1 && fitsBelow && fitsAbove)
+        return wanted;
     std::vector<int> numbers;
     numbers.reserve(items.size());
     for (const auto &item : items)

@@ -64,7 +64,11 @@ void CheckForUpdates::checkForUpdates()
     request.setRawHeader("User-Agent", "AD");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
-    request.setTransferTimeout(transferTimeoutMs);
+    // The server is told the version and nothing else, so it isn't reminded of an earlier visit.
+    for (const auto cookies :
+         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute})
+        request.setAttribute(cookies, QNetworkRequest::Manual);
+    request.setTransferTimeout(m_source.timeLimitMs);
     qCDebug(lcUpdates).noquote() << u"Checking for updates (%1)"_s.arg(request.url().toString());
     QNetworkReply *reply = m_network.get(request);
     connect(reply, &QNetworkReply::errorOccurred, this, &CheckForUpdates::httpRequestError);
@@ -73,7 +77,7 @@ void CheckForUpdates::checkForUpdates()
             reply->abort();
     });
     // The timeout above starts anew with every byte; this one doesn't.
-    QTimer::singleShot(transferTimeoutMs, reply, &QNetworkReply::abort);
+    QTimer::singleShot(m_source.timeLimitMs, reply, &QNetworkReply::abort);
 }
 
 void CheckForUpdates::httpRequestError(QNetworkReply::NetworkError)

@@ -22,10 +22,11 @@ public:
     static constexpr int transferTimeoutMs = 30'000;
     static constexpr qint64 largestAnnouncement = 1 << 20;
 
-    /// Where and when to ask; the defaults are the real ones.
+    /// Where and when to ask, and how long to wait; the defaults are the real ones.
     struct Source {
         QString host; ///< Empty: the maker's update host. May carry a port.
         Clock clock = systemClock();
+        int timeLimitMs = transferTimeoutMs;
     };
 
     /// Checks at once when that is due. \a window, the parent of the announcements, is borrowed.

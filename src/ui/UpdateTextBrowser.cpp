@@ -2,6 +2,7 @@
 #include "ui/UpdateTextBrowser.h"
 
 #include <QDesktopServices>
+#include <QImage>
 
 using namespace Qt::StringLiterals;
 
@@ -15,10 +16,18 @@ UpdateTextBrowser::UpdateTextBrowser(QWidget *parent)
     });
 }
 
-QVariant UpdateTextBrowser::loadResource(int, const QUrl &)
+QVariant UpdateTextBrowser::loadResource(int type, const QUrl &name)
 {
+    if (name.scheme() == u"data"_s)
+        return QVariant(); // lies in the page itself; the document decodes it
     // A page from outside could otherwise show the user's own files, or call home at every layout.
-    return QVariant();
+    // The document opens the file itself when it is given nothing, or a picture that is empty.
+    if (type == QTextDocument::ImageResource) {
+        QImage blank(1, 1, QImage::Format_ARGB32_Premultiplied);
+        blank.fill(Qt::transparent);
+        return blank;
+    }
+    return QByteArray("");
 }
 
 bool UpdateTextBrowser::mayOpen(const QUrl &link)

@@ -24,7 +24,7 @@ constexpr int serverStartMs = 5000;
 constexpr unsigned long retryPauseMs = 50;
 constexpr int pendingConnections = 5;
 /// Clients are copies of this program, one or two at a time; each holds a file descriptor here.
-constexpr int mostClients = 32;
+constexpr qsizetype mostClients = 32;
 constexpr qint64 numberSize = sizeof(qint32);
 
 enum Message : qint32 { VersionRequest = 1, ActivationCommand = 2, TerminationCommand = 3 };
@@ -49,6 +49,18 @@ void waitForVersion(QLocalSocket &socket)
     }
 }
 
+/// Beyond the most, the one that came first goes: refusing the newest would let clients that just
+/// sit there keep every real copy out.
+void keepFewClients(QLocalServer &server)
+{
+    QList<QLocalSocket *> clients
+        = server.findChildren<QLocalSocket *>(QString(), Qt::FindDirectChildrenOnly);
+    clients.removeIf(
+        [](const QLocalSocket *client) { return client->state() != QLocalSocket::ConnectedState; });
+    if (clients.size() > mostClients)
+        clients.first()->abort();
+}
+
 bool isOlder(int major, int minor)
 {
     return major < Version::major || (major == Version::major && minor < Version::minor);
@@ -57,16 +69,17 @@ bool isOlder(int major, int minor)
 
 bool AppActivationSupport::checkForOtherInstances()
 {
-    const bool mayServe = m_endpoint.claim();
+    bool mayServe = m_endpoint.claim();
     QLocalSocket socket;
-    const QDeadlineTimer deadline(mayServe ? 0 : serverStartMs);
+    const QDeadlineTimer deadline(serverStartMs);
     while (true) {
         socket.connectToServer(m_endpoint.socketPath(), QIODevice::ReadWrite);
         if (socket.waitForConnected(waitMs))
             return askRunningInstance(socket);
         if (mayServe || deadline.hasExpired())
             break;
-        QThread::msleep(retryPauseMs); // the other copy is still starting
+        QThread::msleep(retryPauseMs); // the other copy is still starting, or just ending
+        mayServe = m_endpoint.claim();
     }
     if (!mayServe || socket.error() == QLocalSocket::UnknownSocketError) {
         QMessageBox::critical(nullptr, tr("Error"),
@@ -170,11 +183,7 @@ void AppActivationSupport::instanceServerConnection()
     QLocalSocket *client = m_instanceServer->nextPendingConnection();
     if (!client)
         return;
-    if (m_instanceServer->findChildren<QLocalSocket *>().size() > mostClients) {
-        client->abort();
-        client->deleteLater();
-        return;
-    }
+    keepFewClients(*m_instanceServer);
     // A message is four bytes; whoever sends more waits in its own buffers.
     client->setReadBufferSize(numberSize);
     connect(client, &QLocalSocket::readyRead, this, &AppActivationSupport::bytesReceived);
@@ -196,15 +205,23 @@ void AppActivationSupport::bytesReceived()
         break;
     case ActivationCommand:
         qCDebug(lcInstance) << "received activation command from another instance";
-        handleRequest(Request::Activate);
+        handleRequestLater(Request::Activate);
         break;
     case TerminationCommand:
         qCDebug(lcInstance) << "received termination command from another instance";
-        handleRequest(Request::Terminate);
+        handleRequestLater(Request::Terminate);
         break;
     default:
         break;
     }
+}
+
+// A request can end in a prompt. Were that run from inside the socket's own signal, the client
+// could leave, and its socket be deleted, under the signal's feet.
+void AppActivationSupport::handleRequestLater(Request request)
+{
+    QMetaObject::invokeMethod(
+        this, [this, request] { handleRequest(request); }, Qt::QueuedConnection);
 }
 
 void AppActivationSupport::handleRequest(Request request)

@@ -95,6 +95,7 @@ private:
     void startActivationTimer(bool accelerateReactivation);
     bool startInstanceServer();
     bool askRunningInstance(QLocalSocket &socket);
+    void handleRequestLater(Request request);
     void handleRequest(Request request);
 
     bool m_active = false;
