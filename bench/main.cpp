@@ -8,6 +8,7 @@
 void registerReadingBenchmarks();
 void registerChangingBenchmarks();
 void registerModelBenchmarks();
+void registerWindowBenchmarks();
 
 int main(int argc, char *argv[])
 {
@@ -25,6 +26,7 @@ int main(int argc, char *argv[])
     registerReadingBenchmarks();
     registerChangingBenchmarks();
     registerModelBenchmarks();
+    registerWindowBenchmarks();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

@@ -26,7 +26,7 @@ if(BRINDLE_SANITIZE)
 endif()
 
 # The Qt headers are compiled once, here, and reused by every other target.
-file(WRITE ${CMAKE_BINARY_DIR}/pch_anchor.cpp "// carries the precompiled header\n")
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/pch_anchor.cpp CONTENT "// carries the precompiled header\n")
 add_library(brindle_pch OBJECT ${CMAKE_BINARY_DIR}/pch_anchor.cpp)
 target_link_libraries(brindle_pch PRIVATE brindle_strict)
 target_precompile_headers(brindle_pch PRIVATE <QtWidgets> <QtSql> <QtNetwork> <functional> <memory> <optional>)

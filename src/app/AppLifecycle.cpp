@@ -36,6 +36,7 @@ namespace
 Q_LOGGING_CATEGORY(lcApp, "brindle.app")
 
 constexpr int splashStepMs = 2000;
+constexpr int retryAfterBoxMs = 250;
 
 void printError(const QString &text)
 {
@@ -198,11 +199,8 @@ void AppLifecycle::connectComponents()
 void AppLifecycle::connectActivation()
 {
     AppActivationSupport *activation = m_activationSupport.get();
-    const auto deactivate = qOverload<>(&AppActivationSupport::deactivateApp);
-    connect(activation, &AppActivationSupport::requestTermination, m_commandFilter.get(), [this] {
-        guardAgainstTexts(lcApp(), "exitApplication",
-                          [this] { m_commandFilter->exitApplication(); });
-    });
+    connect(activation, &AppActivationSupport::requestTermination, this,
+            &AppLifecycle::exitOnceNothingIsAsked);
     connect(activation, &AppActivationSupport::activationChanged, m_todoListWindow.get(),
             &AbstractWindow::hideOnDeactivate);
     connect(activation, &AppActivationSupport::activationChanged, m_findWindow.get(),
@@ -210,9 +208,7 @@ void AppLifecycle::connectActivation()
     connect(m_nativeSupport, &NativeSupport::hotKeyPressed, activation,
             &AppActivationSupport::toggleActivationWithProcessHandling);
     connect(m_commandFilter.get(), &AppCommandFilter::requestAppDeactivation, activation,
-            deactivate);
-    connect(m_hierarchyModel.get(), &HierarchyModel::requestAppDeactivation, activation,
-            deactivate);
+            qOverload<>(&AppActivationSupport::deactivateApp));
 }
 
 void AppLifecycle::connectModels()
@@ -237,6 +233,8 @@ void AppLifecycle::connectModels()
     // A result that is gone must not stay on the screen.
     connect(hierarchy, &HierarchyModel::entryDeleted, m_findWindow.get(),
             &FindWindow::searchAgainIfShown);
+    connect(hierarchy, &HierarchyModel::requestAppDeactivation, m_activationSupport.get(),
+            qOverload<>(&AppActivationSupport::deactivateApp));
     connect(todos, &TodoListModel::jumpToEntryInTodoList, m_todoListWindow.get(),
             &TodoListWindow::showWindow);
 }
@@ -336,6 +334,16 @@ void AppLifecycle::shutdown()
 {
     m_fileManager.reset();
     m_activationSupport.reset();
+}
+
+void AppLifecycle::exitOnceNothingIsAsked()
+{
+    // What a box asks about would no longer hold; the other copy's request waits for the answer.
+    if (QApplication::activeModalWidget()) {
+        QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::exitOnceNothingIsAsked);
+        return;
+    }
+    guardAgainstTexts(lcApp(), "exitApplication", [this] { m_commandFilter->exitApplication(); });
 }
 
 void AppLifecycle::saveAndEnd()

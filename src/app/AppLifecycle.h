@@ -55,6 +55,7 @@ private:
     void openFilesFromCommandLine();
     void openAndGoTo(const QString &path);
     void endAfterError(const char *text);
+    void exitOnceNothingIsAsked();
     void saveAndEnd();
     bool saveEverything();
 

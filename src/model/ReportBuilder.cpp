@@ -5,7 +5,6 @@
 #include "store/FileManager.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -31,9 +30,9 @@ std::size_t deepestIndentation(std::size_t lineCount)
 }
 } // namespace
 
-ReportBuilder::ReportBuilder(const FileManager *files, QLocale locale, const QTimeZone &zone)
+ReportBuilder::ReportBuilder(const FileManager *files, const QLocale &locale, const QTimeZone &zone)
     : m_files(files)
-    , m_locale(std::move(locale))
+    , m_locale(locale)
     , m_zone(zone)
     , m_dateFormat(m_locale.dateFormat(QLocale::ShortFormat).trimmed())
     , m_timeFormat(m_locale.timeFormat(QLocale::ShortFormat).trimmed())
@@ -45,8 +44,10 @@ ReportBuilder::ReportBuilder(const FileManager *files, QLocale locale, const QTi
 
 QString ReportBuilder::build(const QDateTime &from, const QDateTime &to) const
 {
+    const int count = m_files->getFileCount();
     std::vector<ReportTree> trees;
-    for (int index = 0; index < m_files->getFileCount(); ++index)
+    trees.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index)
         trees.emplace_back(m_files->getFile(index), from, to);
     std::stable_sort(trees.begin(), trees.end(), [](const ReportTree &a, const ReportTree &b) {
         return a.latestDone() < b.latestDone();
@@ -101,7 +102,7 @@ QString ReportBuilder::columns(const QDateTime &doneDate) const
     if (!doneDate.isValid())
         return m_blankColumns;
     const QDateTime local = m_zone.isValid() ? doneDate.toTimeZone(m_zone) : doneDate.toLocalTime();
-    return m_locale.toString(local.date(), u"ddd"_s).leftJustified(weekdayWidth) + u' '
+    return m_locale.toString(local.date(), u"ddd"_s) + u' '
         + m_locale.toString(local.date(), m_dateFormat).rightJustified(m_dateWidth) + u' '
         + m_locale.toString(local.time(), m_timeFormat).rightJustified(m_timeWidth);
 }

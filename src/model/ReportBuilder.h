@@ -5,7 +5,6 @@
 #include <QLocale>
 #include <QTimeZone>
 
-class DiskStore;
 class FileManager;
 class ReportTree;
 
@@ -19,7 +18,7 @@ class ReportBuilder
 {
 public:
     /// An invalid \a zone stands for the computer's local time. \a files is borrowed.
-    explicit ReportBuilder(const FileManager *files, QLocale locale = QLocale::system(),
+    explicit ReportBuilder(const FileManager *files, const QLocale &locale = QLocale::system(),
                            const QTimeZone &zone = {});
 
     /// The report of the entries done between \a from and \a to, both included.

@@ -24,6 +24,12 @@ QString rowMimeType()
 /// Rebuilds the numbers of \a items around a gap at \a row; see TodoSequences.
 template <typename Items> int makeRoom(Items &items, int row, int wanted)
 {
+    // Mostly the wanted number fits, and nothing has to move.
+    const auto place = static_cast<std::size_t>(row);
+    const bool fitsBelow = row == 0 || items[place - 1].sequence < wanted;
+    const bool fitsAbove = place == items.size() || wanted < items[place].sequence;
+    if (wanted != -1 && fitsBelow && fitsAbove)
+        return wanted;
     std::vector<int> numbers;
     numbers.reserve(items.size());
     for (const auto &item : items)
@@ -48,8 +54,11 @@ TodoListModel::TodoListModel(FileManager *fileManager)
 void TodoListModel::setUpItemsListUsingFileManager()
 {
     Items items;
-    for (int index = 0; index < m_fileManager->getFileCount(); ++index)
-        loadFile(index, items);
+    for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
+        // A file that fails is closed soon; the others keep their rows.
+        guardAgainstFileErrors(lcModel(), "TodoListModel::setUpItemsListUsingFileManager",
+                               [&] { loadFile(index, items); });
+    }
     m_items = std::move(items);
 }
 
@@ -58,11 +67,13 @@ void TodoListModel::loadFile(int fileIndex, Items &items) const
     const std::unique_ptr<DiskStore::EntryInfoList> todos(
         m_fileManager->getFile(fileIndex)->getAllTodosInList());
     for (const DiskStore::EntryInfo &todo : *todos) {
+        // Numbers below zero come from other programs only; here they mean that there is none.
+        const int wanted = std::max(todo.sequence, 0);
         const auto place = std::lower_bound(
-            items.begin(), items.end(), todo.sequence,
+            items.begin(), items.end(), wanted,
             [](const TodoItem &item, int sequence) { return item.sequence < sequence; });
         const auto row = place - items.begin();
-        const int sequence = makeRoom(items, static_cast<int>(row), todo.sequence);
+        const int sequence = makeRoom(items, static_cast<int>(row), wanted);
         items.insert(items.begin() + row,
                      TodoItem{fileIndex, todo.id,
                               Global::truncateWithEllipsis(todo.body, bodyLength), sequence,
@@ -77,18 +88,27 @@ DiskStore *TodoListModel::storeOf(const TodoItem &item) const
 
 void TodoListModel::writeChangedSequences(Items &items) const
 {
-    // First all away, then all new: numbers are unique in a file, and some may change places.
-    for (TodoItem &item : items) {
-        if (item.sequence != item.storedSequence && item.storedSequence != -1) {
-            storeOf(item)->clearTodoListSequence(item.entryId);
-            item.storedSequence = -1;
-        }
+    for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
+        // A file that fails is closed soon; it must not keep the others from being in order.
+        guardAgainstFileErrors(lcModel(), "TodoListModel::writeChangedSequences",
+                               [&] { writeChangedSequencesOfFile(index, items); });
     }
+}
+
+void TodoListModel::writeChangedSequencesOfFile(int fileIndex, Items &items) const
+{
+    std::vector<TodoItem *> changed;
     for (TodoItem &item : items) {
-        if (item.sequence != item.storedSequence) {
-            storeOf(item)->updateTodoListSequence(item.entryId, item.sequence);
-            item.storedSequence = item.sequence;
-        }
+        if (item.fileIndex == fileIndex && item.sequence != item.storedSequence)
+            changed.push_back(&item);
+    }
+    DiskStore *store = m_fileManager->getFile(fileIndex);
+    // First all away, then all new: numbers are unique in a file, and some may change places.
+    for (const TodoItem *item : changed)
+        store->clearTodoListSequence(item->entryId);
+    for (TodoItem *item : changed) {
+        store->updateTodoListSequence(item->entryId, item->sequence);
+        item->storedSequence = item->sequence;
     }
 }
 
@@ -180,25 +200,24 @@ void TodoListModel::updateFileIndexes(Items &items, int oldIndex, int newIndex)
     }
 }
 
-void TodoListModel::fileLoaded(int fileIndex)
+void TodoListModel::fileLoaded(int)
 {
-    Items items = m_items;
-    for (int j = m_fileManager->getFileCount() - 2; j >= fileIndex; --j)
-        updateFileIndexes(items, j, j + 1);
-    guardAgainstFileErrors(lcModel(), "TodoListModel::fileLoaded",
-                           [&] { loadFile(fileIndex, items); });
     beginResetModel();
-    m_items = std::move(items);
+    // Nothing is written here, so the order must be the one in which the next start finds the rows.
+    setUpItemsListUsingFileManager();
     endResetModel();
 }
 
 void TodoListModel::fileUnloaded(int fileIndex)
 {
-    beginResetModel();
-    std::erase_if(m_items,
-                  [fileIndex](const TodoItem &item) { return item.fileIndex == fileIndex; });
+    Items items = m_items;
+    std::erase_if(items, [fileIndex](const TodoItem &item) { return item.fileIndex == fileIndex; });
     for (int j = fileIndex + 1; j <= m_fileManager->getFileCount(); ++j)
-        updateFileIndexes(m_items, j, j - 1);
+        updateFileIndexes(items, j, j - 1);
+    // Rows may owe their place to numbers that the closed file held.
+    writeChangedSequences(items);
+    beginResetModel();
+    m_items = std::move(items);
     endResetModel();
 }
 
@@ -216,8 +235,7 @@ void TodoListModel::fileMoved(int fromIndex, int toIndex)
     }
     updateFileIndexes(items, parked, toIndex);
     // Equal numbers of two files are told apart by the files' order, which has just changed.
-    guardAgainstFileErrors(lcModel(), "TodoListModel::fileMoved",
-                           [&] { writeChangedSequences(items); });
+    writeChangedSequences(items);
     beginResetModel();
     m_items = std::move(items);
     endResetModel();
@@ -226,8 +244,7 @@ void TodoListModel::fileMoved(int fromIndex, int toIndex)
 void TodoListModel::tryToResetStateAfterDbRollback()
 {
     beginResetModel();
-    guardAgainstFileErrors(lcModel(), "TodoListModel::tryToResetStateAfterDbRollback",
-                           [this] { setUpItemsListUsingFileManager(); });
+    setUpItemsListUsingFileManager();
     endResetModel();
 }
 

@@ -75,6 +75,7 @@ private:
     void setUpItemsListUsingFileManager();
     void loadFile(int fileIndex, Items &items) const;
     void writeChangedSequences(Items &items) const;
+    void writeChangedSequencesOfFile(int fileIndex, Items &items) const;
     QString readBody(int fileIndex, qint64 entryId) const;
     int rowOf(int fileIndex, qint64 entryId) const;
     static void updateFileIndexes(Items &items, int oldIndex, int newIndex);

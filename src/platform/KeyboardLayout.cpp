@@ -10,7 +10,8 @@ KeyboardLayout *KeyboardLayout::ofApplication()
     QCoreApplication *application = QCoreApplication::instance();
     if (!application)
         return nullptr;
-    if (auto *layout = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
+    if (auto *layout
+        = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
         return layout;
     if (X11KeyboardLayout::isAvailable())
         return new X11KeyboardLayout(application);

@@ -4,6 +4,8 @@
 #include "shared/Refusal.h"
 #include "ui/ScreenPlacement.h"
 
+#include <QApplication>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -42,12 +44,26 @@ void AbstractWindow::restoreSizeAndPos()
 void AbstractWindow::restoreShowAndActivate()
 {
     if (!isVisible()) {
+        savePendingPlace();
         restoreSizeAndPos();
         moveOntoScreen();
         clearMinimized();
         setVisible(true);
+        // Hidden and shown again at once, the window never lost the keyboard in the toolkit's eyes,
+        // and no event tells the widgets that it has it.
+        if (QGuiApplication::focusWindow() == windowHandle())
+            QApplication::setActiveWindow(this);
     }
     AbstractWindow::activate();
+}
+
+// The place the window was just moved to is the one to come back to.
+void AbstractWindow::savePendingPlace()
+{
+    if (!m_saveTimer->isActive())
+        return;
+    m_saveTimer->stop();
+    saveConfigInSettings();
 }
 
 void AbstractWindow::activate()

@@ -125,8 +125,7 @@ void AppCommandFilter::showWindow(std::unique_ptr<Window> &window, Source *sourc
 
 void AppCommandFilter::exitApplication()
 {
-    // A request from outside can come while a box is open, which is answered first.
-    if (QApplication::activeModalWidget() || !m_model->getAndWriteModifiedBodyToDb())
+    if (!m_model->getAndWriteModifiedBodyToDb())
         Refusal::refuse();
     else
         m_fileManager->promptUserToMaybeSaveChangesAndExit();

@@ -34,8 +34,7 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public slots:
-    /// Writes the edited text and ends the program, asking about unsaved changes; refused while a
-    /// message box waits for an answer.
+    /// Writes the edited text and ends the program, asking about unsaved changes.
     void exitApplication();
 
 signals:

@@ -4,6 +4,7 @@
 #include "shared/Refusal.h"
 #include "shared/TextGuard.h"
 #include "shared/TextHelpers.h"
+#include "store/FileErrorGuard.h"
 #include "store/FileManager.h"
 #include "ui/CommandLog.h"
 #include "ui/QueryLine.h"
@@ -116,14 +117,16 @@ void FindWindow::updateFileMenu()
     for (int index = 0; index < fileCount; ++index) {
         // A file that fails while it is read is closed soon; the others stay to be chosen.
         QString excerpt;
-        guardAgainstTexts(lcCommands(), "updateFileMenu",
-                          [&] { excerpt = m_fileManager->getFile(index)->getRootExcerpt(); });
+        const auto readExcerpt = [&] { excerpt = m_fileManager->getFile(index)->getRootExcerpt(); };
+        guardAgainstFileErrors(lcCommands(), "updateFileMenu", [&] {
+            guardAgainstTexts(lcCommands(), "updateFileMenu", readExcerpt);
+        });
         m_fileMenu->addItem(excerpt);
     }
     m_fileMenu->setCurrentIndex(chosen != -1 && chosen < fileCount ? chosen : fileCount - 1);
     rememberChosenFile();
     m_fileRow->setVisible(fileCount >= 2);
-    search();
+    guardAgainstFileErrors(lcCommands(), "updateFileMenu", [this] { search(); });
 }
 
 void FindWindow::search()
@@ -152,8 +155,9 @@ void FindWindow::search()
 
 void FindWindow::searchAgainIfShown()
 {
+    // One of several who hear that entries are gone; the others must hear it, too.
     if (isVisible())
-        search();
+        guardAgainstFileErrors(lcCommands(), "searchAgainIfShown", [this] { search(); });
 }
 
 void FindWindow::showQueryError()

@@ -74,6 +74,14 @@ class Hotkey(ActivationTestCase):
             brindle.wait_until_hidden()
         self.assertEqual(self.other.lines(), [])
 
+    def test_pressed_twice_as_fast_as_can_be_it_leaves_the_window_with_the_keyboard(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        for _ in range(3):
+            self.desktop.keys(HOTKEY, HOTKEY)
+            wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+            brindle.wait_until_in_front(5)
+
     def test_it_works_whatever_the_lock_keys_are(self):
         brindle = self.start_beside()
         for locks in (["Num_Lock"], ["Caps_Lock"], ["Num_Lock", "Caps_Lock"], ["Scroll_Lock"]):
@@ -85,7 +93,7 @@ class Hotkey(ActivationTestCase):
                     self.desktop.release("alt", "ctrl")
                     wait_for(lambda: brindle.is_shown(), "the main window")
                     brindle.wait_until_in_front()
-                    self.desktop.keys("9")  # Escape
+                    self.desktop.keys("Escape")
                     brindle.wait_until_hidden()
                 finally:
                     self.desktop.keys(*locks)

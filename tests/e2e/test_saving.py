@@ -61,7 +61,7 @@ class Saving(SavingTestCase):
         brindle.go("ctrl+l", "")
         brindle.write_entry("Below third")
         self.assertEqual(datafile.texts(path), {"First", "Second"})
-        self.assertEqual(datafile.row(path, "Second")["state"], datafile.TODO)
+        self.assertEqual(datafile.row(path, "Second")["state"], datafile.STATE_TODO)
 
         brindle.save_and_hide()
         self.assertEqual(datafile.outline(path)[0][1],
@@ -93,7 +93,7 @@ class Saving(SavingTestCase):
         brindle.expect(text="Second", state="to-do", preceding="First", following="")
         brindle.save_and_hide()
         self.assertEqual(datafile.children(path, "tasks.bdl"), ["First", "Second"])
-        self.assertEqual(datafile.row(path, "Second")["state"], datafile.TODO)
+        self.assertEqual(datafile.row(path, "Second")["state"], datafile.STATE_TODO)
 
     def test_discarding_a_new_entry_goes_to_its_parent(self):
         path = self.make_file("tasks.bdl")
@@ -185,10 +185,12 @@ class Quitting(SavingTestCase):
     def test_a_file_that_cannot_be_saved_stops_the_quitting_and_says_so(self):
         path = self.make_file("tasks.bdl")
         brindle = self.start_and_type(path)
+        brindle.go("ctrl+j", "Second")
         os.unlink(path)
         brindle.keys("ctrl+q")
         brindle.answer(brindle.wait_for_box(SAVE_PROMPT), "Save")
-        box = brindle.wait_for_box("There was an error accessing file tasks.bdl.")
+        box = brindle.wait_for_box("There was an error")
+        self.assertTrue(box.text.endswith(" This file has been closed."), box.text)
         self.assertTrue(brindle.is_running())
         self.assertIn(path, box.details)
         brindle.answer(box, "OK")
@@ -203,7 +205,17 @@ class Quitting(SavingTestCase):
                 self.assertEqual(brindle.wait_for_exit(), 0)
                 self.assertEqual(datafile.texts(path), {"Typed", "Second"})
 
-    def test_a_termination_signal_while_hidden_and_under_a_prompt(self):
+    def test_a_termination_signal_while_hidden_saves_what_is_in_the_editor(self):
+        path = self.make_file("tasks.bdl")
+        brindle = self.start_and_type(path)
+        brindle.keys("Escape")
+        brindle.wait_until_hidden()
+        self.assertEqual(datafile.texts(path), {"First", "Second"})
+        brindle.send(signal.SIGTERM)
+        self.assertEqual(brindle.wait_for_exit(), 0)
+        self.assertEqual(datafile.texts(path), {"Typed", "Second"})
+
+    def test_a_termination_signal_under_an_open_prompt_saves_too(self):
         path = self.make_file("tasks.bdl")
         brindle = self.start_and_type(path)
         brindle.keys("ctrl+q")
@@ -252,6 +264,20 @@ class OtherProgramsOnTheFile(SavingTestCase):
         self.assertEqual(datafile.texts(path), {"From elsewhere"})
         self.assertEqual(datafile.integrity(path), "ok")
 
+    def test_a_file_replaced_after_changes_were_made_is_an_error_too(self):
+        path = self.make_file("tasks.bdl")
+        newer = datafile.create(self.home.path("newer"), "From elsewhere", root_text="tasks.bdl")
+        brindle = self.start_and_type(path)
+        brindle.go("ctrl+j", "Second")
+        os.replace(newer, path)
+        brindle.keys("Return")
+        box = brindle.wait_for_box("There was an error")
+        self.assertTrue(box.text.endswith(" This file has been closed."), box.text)
+        self.assertIn(path, box.details)
+        brindle.answer(box, "OK")
+        self.assertEqual(datafile.texts(path), {"From elsewhere"})
+        self.assertEqual(datafile.integrity(path), "ok")
+
     def test_a_file_deleted_under_us_is_an_error_and_not_saved_into_nowhere(self):
         path = self.make_file("tasks.bdl")
         brindle = self.start_and_type(path)
@@ -276,7 +302,8 @@ class OtherProgramsOnTheFile(SavingTestCase):
         brindle.write_entry("Typed")
         os.replace(copy, bad)
         brindle.keys("Return")
-        box = brindle.wait_for_box("There was an error accessing file bad.bdl.")
+        box = brindle.wait_for_box("There was an error")
+        self.assertIn(bad, box.details)
         brindle.answer(box, "OK")
         self.assertEqual(datafile.texts(good), {"Typed", "Second"})
         self.assertEqual(datafile.texts(bad), {"First", "Second"})

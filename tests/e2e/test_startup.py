@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """How the program starts: splash, settings good and bad, files good and bad, the command line."""
 
+import contextlib
 import hashlib
 import os
+import sqlite3
 import subprocess
 import sys
 import time
@@ -229,6 +231,10 @@ class BadFiles(BrindleTestCase):
         read_only = datafile.create(path("readonly.bdl"), "Read only")
         os.chmod(read_only, 0o444)
         missing = path("missing.bdl")
+        rootless = datafile.create(path("rootless.bdl"), "Orphan")
+        with contextlib.closing(sqlite3.connect(rootless)) as connection:
+            connection.execute("DELETE FROM entry WHERE parentid = -1")
+            connection.commit()
         accessing = "There was an error accessing file {}. This file will be skipped."
         newer_text = ("There was an error: File (newer.bdl) is incompatible with this version of "
                       "Brindle. Consider upgrading your copy and trying again.. "
@@ -236,7 +242,9 @@ class BadFiles(BrindleTestCase):
         self.bad = {newer: newer_text, garbage: accessing.format("garbage.bdl"),
                     truncated: accessing.format("truncated.bdl"),
                     folder: accessing.format("folder.bdl"), locked: accessing.format("locked.bdl"),
-                    read_only: NOT_ACCESSIBLE, missing: NOT_ACCESSIBLE}
+                    read_only: NOT_ACCESSIBLE, missing: NOT_ACCESSIBLE,
+                    rootless: "There was an error: root entry not found; every file should have "
+                              "a root entry. This file will be skipped."}
         self.locked = locked
 
     def as_ordinary_user(self):

@@ -15,6 +15,7 @@ from brindle_e2e.brindle import Brindle
 from brindle_e2e.desktop import Desktop
 from brindle_e2e.home import Home
 from brindle_e2e.waiting import wait_for, wait_for_value
+from brindle_e2e.windows import FIND, HELP, REPORT, REPORT_RANGE, SETTINGS, TODO_LIST, Window
 
 
 class Tour:
@@ -43,6 +44,10 @@ class Tour:
         self.clear_an_entry()
         self.bind_and_jump()
         self.save_and_discard()
+        self.keep_a_todo_list()
+        self.find()
+        self.report()
+        self.help_and_settings()
         self.from_another_program_and_back()
         self.quit_and_start_again()
 
@@ -145,6 +150,68 @@ class Tour:
         brindle.keys("ctrl+period", "ctrl+shift+BackSpace")
         brindle.expect_text("Chemist")
         self.step("discarded", "Ctrl+Alt+Space brought it back; a change was discarded")
+
+    def open_window(self, keys, title):
+        self.brindle.keys(keys)
+        return Window(self.brindle, title).wait_until_in_front()
+
+    def close_window(self, window):
+        self.brindle.keys("Escape")
+        window.wait_until_hidden()
+        self.brindle.wait_until_in_front()
+
+    def keep_a_todo_list(self):
+        brindle = self.brindle
+        todo = self.open_window("ctrl+equal", TODO_LIST)
+        todo.expect(["Chemist"], "Chemist")
+        self.close_window(todo)
+        brindle.go("ctrl+h", "Shopping")
+        brindle.go("ctrl+j", "Letters")
+        todo = self.open_window("ctrl+equal", TODO_LIST)
+        todo.expect(["Letters", "Chemist"], "Letters")
+        self.step("to-do-list", "Ctrl+= put two entries on the to-do list, the newest on top")
+        todo.drag("Letters", "Chemist", "below")
+        todo.expect(["Chemist", "Letters"])
+        brindle.keys("Home", "Return")
+        todo.wait_until_hidden()
+        brindle.wait_until_in_front()
+        brindle.expect_text("Chemist")
+        self.step("jumped", "a row was dragged down with the mouse; Enter went to the top row's entry")
+
+    def find(self):
+        find = self.open_window("ctrl+f", FIND)
+        self.brindle.write("brea")
+        find.expect(["{Bread}"], "{Bread}")
+        self.step("find", "Ctrl+F found an entry by the beginning of its word")
+        self.brindle.keys("Return")
+        find.wait_until_hidden()
+        self.brindle.wait_until_in_front()
+        self.brindle.expect_text("Bread")
+
+    def report(self):
+        dialog = self.open_window("ctrl+r", REPORT_RANGE)
+        dialog.press_button("Today")
+        dialog.press_button("OK")
+        report = Window(self.brindle, REPORT).wait_until_in_front()
+        lines = report.part("text").text.splitlines()
+        texts = [line.split(" | ", 1)[1] for line in lines]
+        wanted = ["groceries.bdl", "  Shopping", "    Market", "      Apples"]
+        assert texts == wanted, texts
+        self.step("report", "Ctrl+R reported what was done today, below its parents")
+        self.close_window(report)
+
+    def help_and_settings(self):
+        window = self.open_window("ctrl+slash", HELP)
+        shown = [part.name for part in window.node.shown() if part.role == "label"]
+        assert "Ctrl+Shift+D" in shown and "Ctrl+F" in shown, shown
+        self.step("help", "Ctrl+/ shows the keys that are bound")
+        self.close_window(window)
+        window = self.open_window("ctrl+comma", SETTINGS)
+        self.step("settings", "Ctrl+, shows the settings")
+        self.close_window(window)
+        brindle = self.brindle
+        brindle.keys("ctrl+h")
+        brindle.go("ctrl+j", "Chemist")
 
     def from_another_program_and_back(self):
         brindle = self.brindle

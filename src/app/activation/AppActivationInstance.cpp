@@ -69,16 +69,17 @@ bool isOlder(int major, int minor)
 
 bool AppActivationSupport::checkForOtherInstances()
 {
-    const bool mayServe = m_endpoint.claim();
+    bool mayServe = m_endpoint.claim();
     QLocalSocket socket;
-    const QDeadlineTimer deadline(mayServe ? 0 : serverStartMs);
+    const QDeadlineTimer deadline(serverStartMs);
     while (true) {
         socket.connectToServer(m_endpoint.socketPath(), QIODevice::ReadWrite);
         if (socket.waitForConnected(waitMs))
             return askRunningInstance(socket);
         if (mayServe || deadline.hasExpired())
             break;
-        QThread::msleep(retryPauseMs); // the other copy is still starting
+        QThread::msleep(retryPauseMs); // the other copy is still starting, or just ending
+        mayServe = m_endpoint.claim();
     }
     if (!mayServe || socket.error() == QLocalSocket::UnknownSocketError) {
         QMessageBox::critical(nullptr, tr("Error"),

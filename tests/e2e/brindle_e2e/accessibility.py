@@ -11,7 +11,7 @@ from gi.repository import Gio, GLib  # noqa: E402  (after the version is chosen)
 
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _STATES = {"active": 1, "checked": 4, "editable": 7, "enabled": 8, "focusable": 11, "focused": 12,
-           "modal": 16, "showing": 25, "visible": 30, "default": 39}
+           "modal": 16, "selected": 23, "showing": 25, "visible": 30, "default": 39}
 
 
 class Bus:

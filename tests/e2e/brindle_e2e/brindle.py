@@ -7,6 +7,8 @@ from dataclasses import dataclass
 
 from .waiting import stays, wait_for, wait_for_value
 
+HUMAN_PAUSE = 0.15
+
 
 # What a screen reader hears as the description of a part, and the field of View that it fills.
 _LABELS = {"Parent entry": "parent", "Preceding entry": "preceding", "Following entry": "following",
@@ -70,7 +72,7 @@ class Brindle:
         self.log_path = os.path.join(self.home.folder, f"log-{count}.txt")
         env = {**self.home.env, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
                "QT_FORCE_STDERR_LOGGING": "1", "QT_LOGGING_RULES": "brindle.*=true;default.debug=true",
-               "QT_MESSAGE_PATTERN": "%{category}: %{message}", **self._env}
+               "QT_MESSAGE_PATTERN": "%{time process} %{category}: %{message}", **self._env}
         with open(self.log_path, "wb") as log:
             self.process = self.desktop.run(self._command, env, stdout=log,
                                             stderr=log, cwd=self.home.folder)
@@ -113,8 +115,12 @@ class Brindle:
 
     def wait_until_hidden(self, timeout=None):
         # The window manager knows, also while the program is too busy to answer.
-        wait_for(lambda: self.window not in self.desktop.screen.windows(),
-                 "the main window hidden", timeout)
+        def hidden():
+            return self.window not in self.desktop.screen.windows()
+
+        wait_for(hidden, "the main window hidden", timeout)
+        # Nobody's hands are quicker than this; what happens to quicker ones has a test of its own.
+        stays(hidden, "the main window hidden", HUMAN_PAUSE)
 
     def wait_for_exit(self, timeout=None):
         """Waits until the process has ended and returns its exit code."""
@@ -239,14 +245,14 @@ class Brindle:
             setattr(view, _STATES[part.description], name.removeprefix("State: "))
         elif role == "label" and part.description in _LABELS:
             setattr(view, _LABELS[part.description], name)
-        elif role == "label" and name == "Has children":
+        elif name == "Has children":
             view.has_children = True
 
     def boxes(self):
         """The message boxes on the screen, oldest first."""
         root = self._application()
         found = []
-        for node in (root.children() if root else ()):
+        for node in (root.children_or_none() if root else ()):
             if node.has("showing") and node.role in ("alert", "alert message", "message box"):
                 found.append(_read_box(node))
         return found
@@ -278,7 +284,7 @@ class Brindle:
     def dialog(self, title):
         """The node of another window of the program, or None."""
         root = self._application()
-        for node in (root.children() if root else ()):
+        for node in (root.children_or_none() if root else ()):
             if node.name == title and node.has("showing"):
                 return node
         return None
@@ -327,20 +333,21 @@ class Brindle:
         if root is None or self.process.poll() is not None:
             return None
         for node in root.children_or_none():
-            if node.role == "dialog" and node.name.startswith("Brindle") and node.has("showing"):
+            if (node.role == "dialog" and node.name.startswith("Brindle")
+                    and node.name != "Brindle Help" and node.has("showing")):
                 return node
         return None
 
     def _find_window(self, node):
-        """The X window that shows this node: same process, same title."""
-        name = node.name
-        for window_id in self.desktop.screen.windows_of(self.pid):
-            if self.desktop.screen.title(window_id) == name:
+        """The X window that shows this node: same process, same place, or at least same title."""
+        windows = self.desktop.screen.windows_of(self.pid)
+        place = tuple(node.extents)
+        # A message box can have the title of the dialog below it, or the program's name.
+        for window_id in windows:
+            if self.desktop.screen.place(window_id) == place:
                 return window_id
-        # A message box without a title of its own carries the program's name.
-        place = node.extents
-        for window_id in self.desktop.screen.windows_of(self.pid):
-            if self.desktop.screen.place(window_id) == tuple(place):
+        for window_id in windows:
+            if self.desktop.screen.title(window_id) == node.name:
                 return window_id
         return None
 

@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: MIT
 """The base of every end-to-end test: a desktop per test class, a user per test, evidence on failure."""
 
+import contextlib
 import os
 import shutil
 import tempfile
+import types
 import unittest
 
 from .brindle import Brindle
@@ -39,6 +41,15 @@ class BrindleTestCase(unittest.TestCase):
         self.programs = []
         self._helpers = []
         self.addCleanup(self._clean_up)
+
+    @contextlib.contextmanager
+    def subTest(self, *arguments, **values):
+        with super().subTest(*arguments, **values):
+            try:
+                yield
+            except Exception:
+                self._keep_evidence(*values.values())
+                raise
 
     def launch(self, *arguments, env=None, wrapper=()):
         """Starts the program and returns at once, before anything is on the screen."""
@@ -77,18 +88,18 @@ class BrindleTestCase(unittest.TestCase):
         shutil.rmtree(self.home.folder, ignore_errors=True)
 
     def _keeping_evidence(self, method):
-        def run():
+        def run(self):
             try:
                 method()
             except BaseException:
                 self._keep_evidence()
                 raise
 
-        run.__doc__ = method.__doc__
-        return run
+        return types.MethodType(run, self)
 
-    def _keep_evidence(self):
-        folder = os.path.join(ARTIFACTS, self.id().replace("__main__.", ""))
+    def _keep_evidence(self, *details):
+        name = "-".join([self.id().replace("__main__.", ""), *map(str, details)])
+        folder = os.path.join(ARTIFACTS, "".join(c if c.isalnum() or c in "-_." else "_" for c in name))
         shutil.rmtree(folder, ignore_errors=True)
         os.makedirs(folder)
         self.desktop.picture(os.path.join(folder, "screen.png"))

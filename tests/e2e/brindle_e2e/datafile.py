@@ -6,7 +6,7 @@ import re
 import sqlite3
 from contextlib import closing
 
-TODO, WONT_DO, DONE, CATEGORY = 0, 1, 2, 3
+STATE_TODO, WONT_DO, DONE, CATEGORY = 0, 1, 2, 3
 
 _SCHEMA = """
 CREATE TABLE entry ( id INTEGER PRIMARY KEY NOT NULL, parentid INTEGER NOT NULL REFERENCES entry (id),
@@ -26,7 +26,7 @@ _STATE_COMBOS = [(-1, 0), (-1, 2), (-1, 3), (-1, 1), (0, 0), (0, 2), (0, 1), (2,
 class Entry:
     """One entry of an outline to be written: its text, its children and what sets it apart."""
 
-    def __init__(self, text, *children, state=TODO, key=None, key_text=None, done_date=None):
+    def __init__(self, text, *children, state=STATE_TODO, key=None, key_text=None, done_date=None):
         self.text = text
         self.children = children
         self.state = state

@@ -111,7 +111,7 @@ class Desktop:
 
     def other_program(self, name="other", place="60x8+700+500"):
         """An xterm that has the front; what is typed into it ends in the file given back."""
-        notes = os.path.join(self.folder, f"{name}.txt")
+        notes = os.path.join(tempfile.mkdtemp(dir=self.folder), "lines")
         # -e: the shell inside copies each line it reads into the file, so a test can see it.
         process = self.run(["xterm", "-title", name, "-geometry", place, "-fa",
                             "DejaVu Sans Mono", "-fs", "9", "-e", "sh", "-c",

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "ui/CreateReportDialog.h"
+#include "ui/Help.h"
+#include "ui/Settings.h"
 #include "unit/ui/UiDesk.h"
 
 using namespace Qt::StringLiterals;
@@ -18,6 +21,28 @@ bool exitEndsTheLoop(UiDesk &desk)
     QTimer::singleShot(0, &context, [&] { desk.press(Qt::Key_Q, ctrl); });
     QTimer::singleShot(1500, &context, [] { QCoreApplication::exit(stillRunning); });
     return QCoreApplication::exec() != stillRunning && quitting;
+}
+
+/// The shown windows beside the main window.
+QList<AbstractWindow *> openWindows(const UiDesk &desk)
+{
+    QList<AbstractWindow *> windows;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        auto *window = qobject_cast<AbstractWindow *>(widget);
+        if (window && window->isVisible() && window != desk.window.get())
+            windows.append(window);
+    }
+    return windows;
+}
+
+/// How many of the dialogs that come up on demand exist, shown or not.
+int dialogCount()
+{
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    return static_cast<int>(std::count_if(widgets.begin(), widgets.end(), [](QWidget *widget) {
+        return qobject_cast<Help *>(widget) || qobject_cast<Settings *>(widget)
+            || qobject_cast<CreateReportDialog *>(widget);
+    }));
 }
 
 /// Presses \a button in the next message box, if one comes; also when other boxes follow.
@@ -60,8 +85,15 @@ private slots:
     void autoRepeatNeverRepeatsExitAndDiscard();
     void underAModalBoxCommandsAreSwallowedWithoutEffect_data();
     void underAModalBoxCommandsAreSwallowedWithoutEffect();
-    void commandsOfLaterWindowsAreConsumedAndRefused_data();
-    void commandsOfLaterWindowsAreConsumedAndRefused();
+    void eachWindowCommandOpensItsWindow_data();
+    void eachWindowCommandOpensItsWindow();
+    void aDialogIsCreatedOnceAndShownAgain_data();
+    void aDialogIsCreatedOnceAndShownAgain();
+    void theThreeDialogsAreKeptSideBySide();
+    void theToDoListOpensFromTheFindWindowWithoutTouchingTheQuery();
+    void commandsWhileInactiveBringTheApplicationForward_data();
+    void commandsWhileInactiveBringTheApplicationForward();
+    void aDialogHiddenWhileInactiveBringsNothingBack();
     void textExceptionEndsInTheFilter();
     void deactivationIsNeverRequested();
 };
@@ -218,6 +250,9 @@ void AppCommandFilterTest::underAModalBoxCommandsAreSwallowedWithoutEffect_data(
     QTest::newRow("Exit") << int(Qt::Key_Q) << int(ctrl);
     QTest::newRow("DiscardChanges") << int(Qt::Key_Backspace) << int(ctrlShift);
     QTest::newRow("ActivateTodoListWindow") << int(Qt::Key_E) << int(ctrl);
+    QTest::newRow("ShowFindWindow") << int(Qt::Key_F) << int(ctrl);
+    QTest::newRow("ShowCreateReportDialog") << int(Qt::Key_R) << int(ctrl);
+    QTest::newRow("ShowSettingsDialog") << int(Qt::Key_Comma) << int(ctrl);
     QTest::newRow("ShowHelp") << int(Qt::Key_Slash) << int(ctrl);
 }
 
@@ -238,33 +273,32 @@ void AppCommandFilterTest::underAModalBoxCommandsAreSwallowedWithoutEffect()
     const LogLines log;
     pressIn(box, key, Qt::KeyboardModifiers::fromInt(modifiers));
     QCOMPARE(log.count(u"command"_s), 0);
+    QCOMPARE(openWindows(desk).size(), 0);
+    QCOMPARE(dialogCount(), 0);
     QCOMPARE(QApplication::activeModalWidget(), &box);
     QCOMPARE(line->text(), u"some words"_s);
     QCOMPARE(desk.storedBody(entry), u"unsaved"_s);
     QCOMPARE(desk.refusals->count(), 0);
 }
 
-void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused_data()
+void AppCommandFilterTest::eachWindowCommandOpensItsWindow_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<QString>("name");
     QTest::addColumn<quint32>("code");
-    QTest::newRow("Ctrl+E") << int(Qt::Key_E) << int(ctrl) << u"ActivateTodoListWindow"_s
-                            << quint32(0);
-    QTest::newRow("Ctrl+F") << int(Qt::Key_F) << int(ctrl) << u"ShowFindWindow"_s << quint32(0);
-    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << int(ctrl) << u"ShowCreateReportDialog"_s
-                            << quint32(0);
-    QTest::newRow("Ctrl+comma") << int(Qt::Key_Comma) << int(ctrl) << u"ShowSettingsDialog"_s
-                                << quint32(0);
-    QTest::newRow("Ctrl+slash") << int(Qt::Key_Slash) << int(ctrl) << u"ShowHelp"_s << quint32(0);
+    QTest::newRow("Ctrl+E") << int(Qt::Key_E) << int(ctrl) << u"TodoListWindow"_s << quint32(0);
+    QTest::newRow("Ctrl+F") << int(Qt::Key_F) << int(ctrl) << u"FindWindow"_s << quint32(0);
+    QTest::newRow("Ctrl+R") << int(Qt::Key_R) << int(ctrl) << u"CreateReportDialog"_s << quint32(0);
+    QTest::newRow("Ctrl+comma") << int(Qt::Key_Comma) << int(ctrl) << u"Settings"_s << quint32(0);
+    QTest::newRow("Ctrl+slash") << int(Qt::Key_Slash) << int(ctrl) << u"Help"_s << quint32(0);
     QTest::newRow("Ctrl+Shift+slash")
-        << int(Qt::Key_Slash) << int(ctrlShift) << u"ShowHelp"_s << quint32(0);
+        << int(Qt::Key_Slash) << int(ctrlShift) << u"Help"_s << quint32(0);
     QTest::newRow("Ctrl+Shift+slash as X11 reports it")
-        << int(Qt::Key_Question) << int(ctrlShift) << u"ShowHelp"_s << KeyCode::slash;
+        << int(Qt::Key_Question) << int(ctrlShift) << u"Help"_s << KeyCode::slash;
 }
 
-void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused()
+void AppCommandFilterTest::eachWindowCommandOpensItsWindow()
 {
     QFETCH(int, key);
     QFETCH(int, modifiers);
@@ -275,12 +309,131 @@ void AppCommandFilterTest::commandsOfLaterWindowsAreConsumedAndRefused()
     const qint64 entry = desk.addEntry(root, u"text"_s, 0);
     desk.show();
     desk.goTo(entry);
-    const LogLines log;
     desk.pressNative(key, code, Qt::KeyboardModifiers::fromInt(modifiers));
-    QCOMPARE(log.count(u"command not available yet: "_s + name), 1);
-    QCOMPARE(desk.refusals->count(), 1);
+    const QList<AbstractWindow *> opened = openWindows(desk);
+    QCOMPARE(opened.size(), 1);
+    QCOMPARE(opened.first()->metaObject()->className(), name.toLatin1());
+    QVERIFY(QTest::qWaitForWindowActive(opened.first()));
     QCOMPARE(desk.editor()->toPlainText(), u"text"_s);
-    QVERIFY(desk.editor()->hasFocus());
+    QCOMPARE(desk.refusals->count(), 0);
+}
+
+void AppCommandFilterTest::aDialogIsCreatedOnceAndShownAgain_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("help") << int(Qt::Key_Slash);
+    QTest::newRow("settings") << int(Qt::Key_Comma);
+    QTest::newRow("report") << int(Qt::Key_R);
+}
+
+void AppCommandFilterTest::aDialogIsCreatedOnceAndShownAgain()
+{
+    QFETCH(int, key);
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    QCOMPARE(dialogCount(), 0);
+    desk.press(key, ctrl);
+    const QPointer<AbstractWindow> dialog = openWindows(desk).value(0);
+    QVERIFY(dialog);
+    QVERIFY(!dialog->parentWidget());
+    QCOMPARE(dialogCount(), 1);
+    for (int round = 0; round < 2; ++round) {
+        QVERIFY(QTest::qWaitForWindowActive(dialog));
+        dialog->hide();
+        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        QVERIFY(desk.editor()->hasFocus());
+        desk.press(key, ctrl);
+        QVERIFY(dialog && dialog->isVisible());
+        QCOMPARE(dialogCount(), 1);
+    }
+    // Given again while it is shown, the command only brings it to the front.
+    desk.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    desk.press(key, ctrl);
+    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    QCOMPARE(dialogCount(), 1);
+}
+
+void AppCommandFilterTest::theThreeDialogsAreKeptSideBySide()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.press(Qt::Key_Slash, ctrl);
+    pressIn(*openWindows(desk).value(0), Qt::Key_Comma, ctrl);
+    QCOMPARE(dialogCount(), 2);
+    for (AbstractWindow *dialog : openWindows(desk)) {
+        if (qobject_cast<Settings *>(dialog))
+            pressIn(*dialog, Qt::Key_R, ctrl);
+    }
+    QCOMPARE(dialogCount(), 3);
+    QCOMPARE(openWindows(desk).size(), 3);
+}
+
+void AppCommandFilterTest::theToDoListOpensFromTheFindWindowWithoutTouchingTheQuery()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.press(Qt::Key_F, ctrl);
+    QVERIFY(QTest::qWaitForWindowActive(desk.findWindow.get()));
+    auto *query = desk.findWindow->findChild<QLineEdit *>(u"queryLine"_s);
+    query->setText(u"some words"_s);
+    query->setCursorPosition(4);
+    pressIn(*desk.findWindow, Qt::Key_E, ctrl);
+    QVERIFY(QTest::qWaitForWindowActive(desk.todoWindow.get()));
+    QCOMPARE(query->text(), u"some words"_s);
+    QCOMPARE(query->cursorPosition(), 4);
+    pressIn(*desk.todoWindow, Qt::Key_F, ctrl);
+    QVERIFY(QTest::qWaitForWindowActive(desk.findWindow.get()));
+    QCOMPARE(query->selectedText(), u"some words"_s);
+}
+
+void AppCommandFilterTest::commandsWhileInactiveBringTheApplicationForward_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("to-do list") << int(Qt::Key_E);
+    QTest::newRow("find") << int(Qt::Key_F);
+    QTest::newRow("report") << int(Qt::Key_R);
+    QTest::newRow("settings") << int(Qt::Key_Comma);
+    QTest::newRow("help") << int(Qt::Key_Slash);
+}
+
+void AppCommandFilterTest::commandsWhileInactiveBringTheApplicationForward()
+{
+    QFETCH(int, key);
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    // A report outlives the application's stepping back.
+    QDialog report;
+    report.show();
+    desk.activation.deactivateApp();
+    report.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&report));
+    QVERIFY(!desk.window->isVisible());
+    pressIn(report, key, ctrl);
+    QVERIFY(desk.activation.isAppActive());
+    QVERIFY(desk.window->isVisible());
+    QCOMPARE(desk.native.captures, 1);
+    QCOMPARE(openWindows(desk).size(), 1);
+    QVERIFY(QTest::qWaitForWindowActive(openWindows(desk).first()));
+}
+
+void AppCommandFilterTest::aDialogHiddenWhileInactiveBringsNothingBack()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.press(Qt::Key_Slash, ctrl);
+    AbstractWindow *help = openWindows(desk).value(0);
+    QVERIFY(help);
+    desk.activation.deactivateApp();
+    QVERIFY(help->isVisible());
+    help->hide();
+    QVERIFY(!desk.window->isVisible());
+    QVERIFY(!desk.activation.isAppActive());
 }
 
 void AppCommandFilterTest::textExceptionEndsInTheFilter()

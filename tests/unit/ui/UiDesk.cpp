@@ -63,21 +63,67 @@ UiDesk::UiDesk()
 {
     window = std::make_unique<HierarchyWindow>(
         &model, &activation, native.getShortcutModifier().toInt(), native.getShortcutModifierKey());
-    filter = std::make_unique<AppCommandFilter>(&files, window.get(), &model, &native, &activation);
+    todoWindow = std::make_unique<TodoListWindow>(&todos);
+    findWindow = std::make_unique<FindWindow>(&files, nullptr);
+    filter = std::make_unique<AppCommandFilter>(&files, window.get(), &model, todoWindow.get(),
+                                                findWindow.get(), &native, &activation);
     refusals = std::make_unique<RefusalCounter>(window.get());
     qApp->installEventFilter(filter.get());
+    QObject::connect(&activation, &AppActivationSupport::activationChanged, todoWindow.get(),
+                     &AbstractWindow::hideOnDeactivate);
+    QObject::connect(&activation, &AppActivationSupport::activationChanged, findWindow.get(),
+                     &AbstractWindow::hideOnDeactivate);
+    connectModels();
+    connectWindows();
+}
+
+void UiDesk::connectModels()
+{
+    using Hierarchy = HierarchyModel;
+    using Todos = TodoListModel;
     QObject::connect(&files, &FileManager::transactionRollback, &model,
-                     &HierarchyModel::tryToResetStateAfterDbRollback);
-    QObject::connect(&model, &HierarchyModel::changed, window.get(), &HierarchyWindow::refresh);
-    QObject::connect(&model, &HierarchyModel::requestBodyUpdate, window.get(),
+                     &Hierarchy::tryToResetStateAfterDbRollback);
+    QObject::connect(&files, &FileManager::transactionRollback, &todos,
+                     &Todos::tryToResetStateAfterDbRollback);
+    QObject::connect(&model, &Hierarchy::changed, window.get(), &HierarchyWindow::refresh);
+    QObject::connect(&model, &Hierarchy::requestBodyUpdate, window.get(),
                      &HierarchyWindow::updateModelBody);
-    QObject::connect(&model, &HierarchyModel::requestAppDeactivation, &activation,
+    QObject::connect(&model, &Hierarchy::requestAppDeactivation, &activation,
                      qOverload<>(&AppActivationSupport::deactivateApp));
+    QObject::connect(&model, &Hierarchy::addEntryToTodoListAndShow, &todos, &Todos::addTodo);
+    QObject::connect(&model, &Hierarchy::addEntryToTodoListAndShow, todoWindow.get(),
+                     &TodoListWindow::showWindow);
+    QObject::connect(&model, &Hierarchy::entryStateChanged, &todos, &Todos::entryStateChanged);
+    QObject::connect(&model, &Hierarchy::entryBodyChanged, &todos, &Todos::entryBodyChanged);
+    QObject::connect(&model, &Hierarchy::entryDeleted, &todos, &Todos::entryDeleted);
+    QObject::connect(&model, &Hierarchy::entryDeleted, findWindow.get(),
+                     &FindWindow::searchAgainIfShown);
+    QObject::connect(&todos, &Todos::jumpToEntryInTodoList, todoWindow.get(),
+                     &TodoListWindow::showWindow);
+}
+
+void UiDesk::connectWindows()
+{
+    const auto activateMainWindow = [this] { window->activate(); };
+    const auto goToEntry = [this](EntryAddress address) { model.goToEntry(address); };
+    QObject::connect(todoWindow.get(), &TodoListWindow::jumpToEntryInHierarchy, window.get(),
+                     activateMainWindow);
+    QObject::connect(todoWindow.get(), &TodoListWindow::jumpToEntryInHierarchy, &model, goToEntry);
+    QObject::connect(findWindow.get(), &FindWindow::jumpToEntryInHierarchy, window.get(),
+                     activateMainWindow);
+    QObject::connect(findWindow.get(), &FindWindow::jumpToEntryInHierarchy, &model, goToEntry);
+    QObject::connect(todoWindow.get(), &AbstractWindow::hiding, window.get(),
+                     &HierarchyWindow::activate);
+    QObject::connect(findWindow.get(), &AbstractWindow::hiding, window.get(),
+                     &HierarchyWindow::activate);
 }
 
 // The window's counter is a child of the window and goes with it.
 UiDesk::~UiDesk()
 {
+    filter.reset();
+    findWindow.reset();
+    todoWindow.reset();
     refusals.release();
 }
 

@@ -5,10 +5,13 @@
 #include "fakes/RecordingNativeSupport.h"
 #include "fakes/TestSettings.h"
 #include "model/HierarchyModel.h"
+#include "model/TodoListModel.h"
 #include "shared/Refusal.h"
 #include "store/FileManager.h"
 #include "ui/AppCommandFilter.h"
+#include "ui/FindWindow.h"
 #include "ui/HierarchyWindow.h"
+#include "ui/TodoListWindow.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -99,9 +102,16 @@ public:
     TestSettings settings;
     FileManager files;
     HierarchyModel model{&files};
+    TodoListModel todos{&files};
     RecordingNativeSupport native;
     AppActivationSupport activation{&native};
     std::unique_ptr<HierarchyWindow> window;
+    std::unique_ptr<TodoListWindow> todoWindow;
+    std::unique_ptr<FindWindow> findWindow;
     std::unique_ptr<AppCommandFilter> filter;
     std::unique_ptr<RefusalCounter> refusals;
+
+private:
+    void connectModels();
+    void connectWindows();
 };

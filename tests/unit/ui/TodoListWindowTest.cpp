@@ -1,0 +1,373 @@
+// SPDX-License-Identifier: MIT
+#include "unit/ui/UiDesk.h"
+
+#include "shared/TextHelpers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+constexpr Qt::KeyboardModifiers ctrl = Qt::ControlModifier;
+
+/// The to-do window with "a", "b", "c" of one file listed in this order.
+class TodoWindowDesk : public UiDesk
+{
+public:
+    explicit TodoWindowDesk(const QStringList &listed = {u"a"_s, u"b"_s, u"c"_s})
+    {
+        const qint64 root = addFile(u"one.bdl"_s);
+        for (const QString &text : {u"a"_s, u"b"_s, u"c"_s})
+            ids.append(addEntry(root, text, static_cast<int>(ids.size())));
+        for (auto text = listed.rbegin(); text != listed.rend(); ++text)
+            todos.addTodo(EntryAddress{0, idOf(*text)});
+        show();
+        goTo(root);
+    }
+
+    qint64 idOf(const QString &text) const { return ids.at(text.at(0).unicode() - u'a'); }
+    QListView *view() const { return todoWindow->findChild<QListView *>(u"todoListView"_s); }
+    void open()
+    {
+        todoWindow->showWindow();
+        waitForList();
+    }
+    void waitForList()
+    {
+        if (!QTest::qWaitForWindowActive(todoWindow.get()))
+            qFatal("the to-do list does not become active");
+    }
+    bool mainWindowHasTheKeyboard()
+    {
+        return QTest::qWaitForWindowActive(window.get()) && editor()->hasFocus();
+    }
+    QString rows() const
+    {
+        QString texts;
+        for (int row = 0; row < todos.rowCount(); ++row)
+            texts += todos.index(row).data().toString();
+        return texts;
+    }
+    QString selected() const
+    {
+        const QModelIndexList indexes = view()->selectionModel()->selectedIndexes();
+        return indexes.size() == 1 ? indexes.first().data().toString()
+                                   : QString::number(indexes.size()) + u" rows"_s;
+    }
+    void pressInList(int key, Qt::KeyboardModifiers modifiers = {})
+    {
+        pressIn(*todoWindow, key, modifiers);
+    }
+    void doubleClick(int row)
+    {
+        const QPoint where = view()->visualRect(todos.index(row)).center();
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, {}, where);
+        QTest::mouseDClick(view()->viewport(), Qt::LeftButton, {}, where);
+    }
+
+    QList<qint64> ids;
+};
+} // namespace
+
+class TodoListWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void isASmallToolWindowOfItsOwn();
+    void anEmptyListSelectsNothingAndRaisesNoError();
+    void showingSelectsTheFirstRow();
+    void showingAgainKeepsTheSelection();
+    void showingForAnEntrySelectsItsRowAndScrollsToIt();
+    void showingForAnEntryThatIsNotListedSelectsTheFirst();
+    void deletingAMiddleRowSelectsTheOneThatMovedUp_data();
+    void deletingAMiddleRowSelectsTheOneThatMovedUp();
+    void deletingTheLastRowLeavesNoSelection();
+    void enterJumpsHidesAndGivesTheKeyboardBack_data();
+    void enterJumpsHidesAndGivesTheKeyboardBack();
+    void doubleClickJumpsAndHides();
+    void enterWithNoSelectedRowDoesNothing();
+    void escapeHidesAndGivesTheKeyboardBack();
+    void keysWithAModifierGoToTheList_data();
+    void keysWithAModifierGoToTheList();
+    void arrowsMoveTheSelection();
+    void markingTheTopEntryDoneOpensTheListWithTheNewTopSelected();
+    void addingShowsTheListWithTheEntrySelected();
+    void hidesWithTheApplication();
+    void aJumpToAMissingEntryHidesAllTheSame();
+    void rowsVanishWithTheirFile();
+};
+
+void TodoListWindowTest::isASmallToolWindowOfItsOwn()
+{
+    TodoWindowDesk desk;
+    QCOMPARE(desk.todoWindow->windowTitle(), u"To-do List"_s);
+    QCOMPARE(desk.todoWindow->getWindowName(), u"TodoListWindow"_s);
+    QCOMPARE(desk.todoWindow->windowType(), Qt::Tool);
+    QVERIFY(!desk.todoWindow->parentWidget());
+    QVERIFY(!desk.todoWindow->isModal());
+    QVERIFY(!desk.todoWindow->isSizeGripEnabled());
+    QCOMPARE(desk.todoWindow->minimumHeight(), 35);
+    QCOMPARE(desk.todoWindow->layout()->contentsMargins(), QMargins(2, 2, 2, 2));
+    QCOMPARE(desk.view()->selectionMode(), QAbstractItemView::SingleSelection);
+    QCOMPARE(desk.view()->dragDropMode(), QAbstractItemView::InternalMove);
+    QVERIFY(desk.view()->dragEnabled());
+    QVERIFY(desk.view()->acceptDrops());
+    QVERIFY(desk.view()->showDropIndicator());
+}
+
+void TodoListWindowTest::anEmptyListSelectsNothingAndRaisesNoError()
+{
+    TodoWindowDesk desk{QStringList()};
+    const LogLines log;
+    desk.open();
+    QCOMPARE(desk.selected(), u"0 rows"_s);
+    for (const int key : {Qt::Key_Return, Qt::Key_Delete, Qt::Key_Down})
+        desk.pressInList(key);
+    QVERIFY(desk.todoWindow->isVisible());
+    QCOMPARE(log.count(u"exception in "_s), 0);
+}
+
+void TodoListWindowTest::showingSelectsTheFirstRow()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    QCOMPARE(desk.selected(), u"a"_s);
+    QVERIFY(desk.view()->hasFocus());
+}
+
+void TodoListWindowTest::showingAgainKeepsTheSelection()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    desk.pressInList(Qt::Key_Down);
+    desk.pressInList(Qt::Key_Escape);
+    desk.open();
+    QCOMPARE(desk.selected(), u"b"_s);
+}
+
+void TodoListWindowTest::showingForAnEntrySelectsItsRowAndScrollsToIt()
+{
+    TodoWindowDesk desk;
+    const qint64 root = desk.files.getFile(0)->getEntryId(-1, 0);
+    qint64 lowest = -1;
+    for (int i = 0; i < 60; ++i) {
+        const qint64 id = desk.addEntry(root, u"e%1"_s.arg(i), 10 + i);
+        lowest = lowest == -1 ? id : lowest;
+        desk.todos.addTodo(EntryAddress{0, id});
+    }
+    desk.todoWindow->resize(200, 120);
+    desk.todoWindow->showWindow(EntryAddress{0, lowest});
+    desk.waitForList();
+    QCOMPARE(desk.selected(), u"e0"_s);
+    QTRY_VERIFY(desk.view()->viewport()->rect().contains(
+        desk.view()->visualRect(desk.view()->currentIndex()).center()));
+}
+
+void TodoListWindowTest::showingForAnEntryThatIsNotListedSelectsTheFirst()
+{
+    TodoWindowDesk desk(QStringList{u"a"_s, u"b"_s});
+    desk.todoWindow->showWindow(EntryAddress{0, desk.idOf(u"c"_s)});
+    QCOMPARE(desk.selected(), u"a"_s);
+    desk.todoWindow->showWindow(EntryAddress{7, 4711});
+    QCOMPARE(desk.selected(), u"a"_s);
+}
+
+void TodoListWindowTest::deletingAMiddleRowSelectsTheOneThatMovedUp_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("Delete") << int(Qt::Key_Delete);
+    QTest::newRow("Backspace") << int(Qt::Key_Backspace);
+}
+
+void TodoListWindowTest::deletingAMiddleRowSelectsTheOneThatMovedUp()
+{
+    QFETCH(int, key);
+    TodoWindowDesk desk;
+    desk.open();
+    desk.pressInList(Qt::Key_Down);
+    desk.pressInList(key);
+    QCOMPARE(desk.rows(), u"ac"_s);
+    QCOMPARE(desk.selected(), u"c"_s);
+    QCOMPARE(desk.storedBody(desk.idOf(u"b"_s)), u"b"_s);
+}
+
+void TodoListWindowTest::deletingTheLastRowLeavesNoSelection()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    desk.pressInList(Qt::Key_Down);
+    desk.pressInList(Qt::Key_Down);
+    desk.pressInList(Qt::Key_Delete);
+    QCOMPARE(desk.rows(), u"ab"_s);
+    QCOMPARE(desk.selected(), u"0 rows"_s);
+    desk.pressInList(Qt::Key_Delete);
+    QCOMPARE(desk.rows(), u"ab"_s);
+    desk.todoWindow->showWindow();
+    QCOMPARE(desk.selected(), u"a"_s);
+    desk.pressInList(Qt::Key_Delete);
+    desk.pressInList(Qt::Key_Delete);
+    QCOMPARE(desk.rows(), QString());
+    QCOMPARE(desk.selected(), u"0 rows"_s);
+}
+
+void TodoListWindowTest::enterJumpsHidesAndGivesTheKeyboardBack_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Return") << int(Qt::Key_Return) << 0;
+    QTest::newRow("Enter") << int(Qt::Key_Enter) << 0;
+    QTest::newRow("Enter of the keypad") << int(Qt::Key_Enter) << int(Qt::KeypadModifier);
+}
+
+void TodoListWindowTest::enterJumpsHidesAndGivesTheKeyboardBack()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    TodoWindowDesk desk;
+    QSignalSpy jumps(desk.todoWindow.get(), &TodoListWindow::jumpToEntryInHierarchy);
+    desk.open();
+    desk.pressInList(Qt::Key_Down);
+    desk.pressInList(key, Qt::KeyboardModifiers::fromInt(modifiers));
+    QCOMPARE(jumps.count(), 1);
+    QCOMPARE(jumps.first().first().value<EntryAddress>(), (EntryAddress{0, desk.idOf(u"b"_s)}));
+    QVERIFY(!desk.todoWindow->isVisible());
+    QCOMPARE(desk.editor()->toPlainText(), u"b"_s);
+    QVERIFY(desk.mainWindowHasTheKeyboard());
+    QCOMPARE(desk.rows(), u"abc"_s);
+}
+
+void TodoListWindowTest::doubleClickJumpsAndHides()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    desk.doubleClick(2);
+    QVERIFY(!desk.todoWindow->isVisible());
+    QCOMPARE(desk.editor()->toPlainText(), u"c"_s);
+}
+
+void TodoListWindowTest::enterWithNoSelectedRowDoesNothing()
+{
+    TodoWindowDesk desk;
+    const QSignalSpy jumps(desk.todoWindow.get(), &TodoListWindow::jumpToEntryInHierarchy);
+    desk.open();
+    desk.view()->clearSelection();
+    desk.pressInList(Qt::Key_Return);
+    desk.pressInList(Qt::Key_Delete);
+    QCOMPARE(jumps.count(), 0);
+    QVERIFY(desk.todoWindow->isVisible());
+    QCOMPARE(desk.rows(), u"abc"_s);
+}
+
+void TodoListWindowTest::escapeHidesAndGivesTheKeyboardBack()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    const QSignalSpy hidings(desk.todoWindow.get(), &AbstractWindow::hiding);
+    desk.pressInList(Qt::Key_Escape);
+    QVERIFY(!desk.todoWindow->isVisible());
+    QCOMPARE(hidings.count(), 1);
+    QVERIFY(desk.mainWindowHasTheKeyboard());
+    QVERIFY(desk.activation.isAppActive());
+}
+
+void TodoListWindowTest::keysWithAModifierGoToTheList_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::newRow("Shift+Delete") << int(Qt::Key_Delete) << int(Qt::ShiftModifier);
+    QTest::newRow("Ctrl+Backspace") << int(Qt::Key_Backspace) << int(Qt::ControlModifier);
+    QTest::newRow("Alt+Return") << int(Qt::Key_Return) << int(Qt::AltModifier);
+    QTest::newRow("Ctrl+Enter") << int(Qt::Key_Enter) << int(Qt::ControlModifier);
+    QTest::newRow("Shift+Enter of the keypad")
+        << int(Qt::Key_Enter) << int(Qt::ShiftModifier | Qt::KeypadModifier);
+}
+
+void TodoListWindowTest::keysWithAModifierGoToTheList()
+{
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    TodoWindowDesk desk;
+    desk.open();
+    desk.pressInList(key, Qt::KeyboardModifiers::fromInt(modifiers));
+    QCOMPARE(desk.rows(), u"abc"_s);
+    QVERIFY(desk.todoWindow->isVisible());
+}
+
+void TodoListWindowTest::arrowsMoveTheSelection()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    desk.pressInList(Qt::Key_Down);
+    QCOMPARE(desk.selected(), u"b"_s);
+    desk.pressInList(Qt::Key_End);
+    QCOMPARE(desk.selected(), u"c"_s);
+    desk.pressInList(Qt::Key_Up);
+    QCOMPARE(desk.selected(), u"b"_s);
+}
+
+void TodoListWindowTest::markingTheTopEntryDoneOpensTheListWithTheNewTopSelected()
+{
+    TodoWindowDesk desk;
+    desk.goTo(desk.idOf(u"a"_s));
+    desk.press(Qt::Key_D, ctrl);
+    QCOMPARE(desk.rows(), u"bc"_s);
+    QVERIFY(desk.todoWindow->isVisible());
+    QCOMPARE(desk.selected(), u"b"_s);
+    desk.waitForList();
+    QVERIFY(desk.view()->hasFocus());
+}
+
+void TodoListWindowTest::addingShowsTheListWithTheEntrySelected()
+{
+    TodoWindowDesk desk(QStringList{u"a"_s});
+    desk.open();
+    desk.pressInList(Qt::Key_Escape);
+    QVERIFY(desk.mainWindowHasTheKeyboard());
+    desk.goTo(desk.idOf(u"c"_s));
+    desk.press(Qt::Key_Equal, ctrl);
+    QCOMPARE(desk.rows(), u"ca"_s);
+    QVERIFY(desk.todoWindow->isVisible());
+    QCOMPARE(desk.selected(), u"c"_s);
+}
+
+void TodoListWindowTest::hidesWithTheApplication()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    desk.activation.deactivateApp();
+    QVERIFY(!desk.todoWindow->isVisible());
+    QVERIFY(!desk.window->isVisible());
+    desk.show();
+    QVERIFY(!desk.todoWindow->isVisible());
+}
+
+void TodoListWindowTest::aJumpToAMissingEntryHidesAllTheSame()
+{
+    TodoWindowDesk desk;
+    desk.open();
+    QObject context;
+    QObject::connect(desk.todoWindow.get(), &TodoListWindow::jumpToEntryInHierarchy, &context,
+                     []() -> void { throw "bad"; });
+    const LogLines log;
+    desk.pressInList(Qt::Key_Return);
+    QCOMPARE(log.count(u"exception in jumpToEntryInHierarchy: bad"_s), 1);
+    QVERIFY(!desk.todoWindow->isVisible());
+}
+
+void TodoListWindowTest::rowsVanishWithTheirFile()
+{
+    TodoWindowDesk desk;
+    const qint64 root = desk.addFile(u"two.bdl"_s);
+    const qint64 other = desk.addEntry(root, u"x"_s, 0, EntryState::Todo, 1);
+    desk.todos.addTodo(EntryAddress{1, other});
+    desk.open();
+    QCOMPARE(desk.selected(), u"x"_s);
+    desk.files.unloadFile(0, true);
+    QCOMPARE(desk.rows(), u"x"_s);
+    desk.todoWindow->showWindow();
+    desk.pressInList(Qt::Key_Return);
+    QCOMPARE(desk.editor()->toPlainText(), u"x"_s);
+}
+
+QTEST_MAIN(TodoListWindowTest)
+#include "TodoListWindowTest.moc"
