@@ -29,7 +29,8 @@ class SecondStart(BrindleTestCase):
                          ("Brindle is already running", QUESTION, [ACTIVATE, "Cancel"]))
         self.assertEqual(len(second.boxes()), 1)
         # No splash screen, no main window.
-        self.assertEqual(self.desktop.screen.windows_of(second.pid), [self.window_of(second)])
+        window = self.window_of(second)
+        self.assertEqual(self.desktop.screen.windows_of(second.pid), [window])
         return box
 
     def check_opened_no_file(self, process):
