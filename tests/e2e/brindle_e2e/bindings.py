@@ -43,12 +43,18 @@ def shows(**wanted):
     return check
 
 
-def says_command(number):
+def opens(title):
+    """The window comes to the front, and Escape gives the keyboard back to the entry."""
     def check(brindle, keys):
         text = brindle.text
-        mark = brindle.log_mark()
         brindle.keys(keys)
-        brindle.wait_for_log(f"brindle.ui.commands: command {number}\n", mark)
+        screen = brindle.desktop.screen
+        wait_for(lambda: screen.active_window() == screen.find(brindle.pid, title),
+                 f"{title!r} in front")
+        wait_for(lambda: brindle.dialog(title) and brindle.dialog(title).has("active"),
+                 f"{title!r} with the keyboard")
+        brindle.keys("Escape")
+        wait_for(lambda: not brindle.dialog(title), f"{title!r} hidden")
         brindle.expect_text(text)
         brindle.wait_until_in_front()
 
@@ -115,13 +121,13 @@ class Binding:
 
 
 BINDINGS = [
-    Binding(1, "ctrl+r", THREE, "asks for the report dialog", says_command(25)),
-    Binding(2, "ctrl+comma", THREE, "asks for the settings dialog", says_command(26)),
+    Binding(1, "ctrl+r", THREE, "opens the report dialog", opens("Create Report")),
+    Binding(2, "ctrl+comma", THREE, "opens the settings dialog", opens("Settings")),
     Binding(3, "ctrl+q", THREE, "quits", exits),
-    Binding(4, "ctrl+e", THREE, "asks for the to-do list", says_command(23)),
-    Binding(5, "ctrl+f", THREE, "asks for the find window", says_command(24)),
-    Binding(6, "ctrl+slash", THREE, "asks for the help", says_command(27)),
-    Binding(7, "ctrl+shift+slash", THREE, "asks for the help", says_command(27)),
+    Binding(4, "ctrl+e", THREE, "opens the to-do list", opens("To-do List")),
+    Binding(5, "ctrl+f", THREE, "opens the find window", opens("Find")),
+    Binding(6, "ctrl+slash", THREE, "opens the help", opens("Brindle Help")),
+    Binding(7, "ctrl+shift+slash", THREE, "opens the help", opens("Brindle Help")),
     Binding(8, "ctrl+shift+Delete", THREE, "discards", discards),
     Binding(9, "ctrl+shift+BackSpace", THREE, "discards", discards),
     Binding(10, "ctrl+h", ONE_B, "goes to the parent", shows(text="One", following="Two")),
@@ -151,8 +157,8 @@ BINDINGS = [
     Binding(26, "ctrl+shift+l", THREE, "moves below the preceding entry",
             shows(text="Three", parent="Two", preceding="Two a", following="")),
     Binding(27, "ctrl+s", THREE, "binds a shortcut key", binds_shortcut),
-    Binding(28, "ctrl+equal", THREE, "adds to the to-do list", says_command(22)),
-    Binding(29, "ctrl+shift+equal", THREE, "adds to the to-do list", says_command(22)),
+    Binding(28, "ctrl+equal", THREE, "adds to the to-do list", opens("To-do List")),
+    Binding(29, "ctrl+shift+equal", THREE, "adds to the to-do list", opens("To-do List")),
     Binding(30, "Return", THREE, "saves and hides", saves_and_hides),
     Binding(31, "KP_Enter", THREE, "saves and hides", saves_and_hides),
     Binding(32, "Escape", THREE, "hides", hides),
