@@ -5,6 +5,7 @@
 #include "ui/ScreenPlacement.h"
 
 #include <QApplication>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -12,6 +13,16 @@ namespace
 {
 /// A window manager may shift a window it has just been given by about a frame's width.
 constexpr int managerShift = 64;
+/// By then the window manager has framed a window that was just shown.
+constexpr int framingTimeMs = 150;
+
+/// Where the frame stands. QWidget::pos() goes on counting with the width of a frame that the
+/// window manager took away when it hid the window.
+QPoint framePosition(const QWidget *window)
+{
+    const QWindow *handle = window->windowHandle();
+    return handle ? handle->framePosition() : window->pos();
+}
 } // namespace
 
 AbstractWindow::AbstractWindow(QWidget *parent, Qt::WindowFlags flags)
@@ -49,12 +60,22 @@ void AbstractWindow::restoreShowAndActivate()
         moveOntoScreen();
         clearMinimized();
         setVisible(true);
+        QTimer::singleShot(framingTimeMs, this, [this, wanted = pos()] { settleAt(wanted); });
         // Hidden and shown again at once, the window never lost the keyboard in the toolkit's eyes,
         // and no event tells the widgets that it has it.
         if (QGuiApplication::focusWindow() == windowHandle())
             QApplication::setActiveWindow(this);
     }
     AbstractWindow::activate();
+}
+
+// A window of fixed size is resized once more when it is framed, and its frame slips by its own
+// width then. Larger differences are the window manager's will.
+void AbstractWindow::settleAt(QPoint wanted)
+{
+    const QPoint slip = framePosition(this) - wanted;
+    if (isVisible() && !slip.isNull() && slip.manhattanLength() <= managerShift)
+        move(wanted);
 }
 
 // The place the window was just moved to is the one to come back to.
@@ -83,7 +104,7 @@ void AbstractWindow::saveConfigInSettings()
 {
     m_settings.setValue(getWindowSizeSettingsKey(), size());
     if (!standsAtCorrectedPlace())
-        m_settings.setValue(getWindowPosSettingsKey(), pos());
+        m_settings.setValue(getWindowPosSettingsKey(), framePosition(this));
     m_settings.sync();
 }
 

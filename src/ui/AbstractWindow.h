@@ -54,6 +54,7 @@ private:
         bool settled = false; ///< The window manager has had its say about the position.
     };
 
+    void settleAt(QPoint wanted);
     void savePendingPlace();
     void moveOntoScreen();
     bool standsAtCorrectedPlace();
