@@ -375,6 +375,23 @@ class Family(WindowsTestCase):
                     self.hide(window)
                 brindle.wait_until_in_front()
 
+    def test_windows_of_fixed_size_never_wander_between_showings_and_starts(self):
+        brindle = self.start_family()
+        places = {}
+        for start in range(3):
+            for title in (HELP, SETTINGS, REPORT_RANGE):
+                for showing in range(2):
+                    with self.subTest(window=title, start=start, showing=showing):
+                        window = self.open(brindle, OPENING_KEYS[title], title)
+                        # The window manager frames it, and its place is stored after a while.
+                        stays(window.is_shown, "longer than the pause before storing", 0.8)
+                        place = self.desktop.screen.place(window.id)
+                        self.assertEqual(place, places.setdefault(title, place))
+                        self.close(window)
+            brindle.keys("ctrl+q")
+            self.assertEqual(brindle.wait_for_exit(), 0)
+            brindle = self.start()
+
     def test_the_lists_come_back_at_their_places_also_after_a_restart(self):
         brindle = self.start_family()
         places = {}
