@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+#include "app/AppLifecycle.h"
+#include "fakes/RecordingNativeSupport.h"
+#include "fakes/TestSettings.h"
+#include "model/TodoListModel.h"
+#include "store/DiskStore.h"
+#include "ui/FindWindow.h"
+#include "ui/HierarchyWindow.h"
+#include "ui/TodoListWindow.h"
+
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QSplashScreen>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+/// The whole program but for its desktop, on a data file with the children "one" and "two".
+class RunningProgram
+{
+public:
+    RunningProgram()
+    {
+        const QString path = settings.filePath(u"a.bdl"_s);
+        {
+            DiskStore store(path);
+            const long long root = store.getEntryId(-1, 0);
+            store.insertEntry(root, u"one"_s, 0, EntryState::Todo, {});
+            second = store.insertEntry(root, u"two"_s, 1, EntryState::Todo, {});
+            store.commitAndRestartTransaction();
+        }
+        QSettings stored;
+        stored.setValue(u"loadfiles/0"_s, path);
+        stored.setValue(u"dontcheckforupdates"_s, true);
+        stored.setValue(u"appstarted"_s, true);
+        stored.sync();
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(settings.filePath(u"run"_s)));
+    }
+
+    void start()
+    {
+        lifecycle = std::make_unique<AppLifecycle>(qApp, &native, QStringList());
+        lifecycle->startup();
+    }
+
+    template <typename Window> static Window *window()
+    {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (QWidget *candidate : windows) {
+            if (auto *found = qobject_cast<Window *>(candidate))
+                return found;
+        }
+        return nullptr;
+    }
+
+    static QPlainTextEdit *editor()
+    {
+        return window<HierarchyWindow>()->findChild<QPlainTextEdit *>();
+    }
+
+    TestSettings settings;
+    RecordingNativeSupport native;
+    std::unique_ptr<AppLifecycle> lifecycle;
+    qint64 second = -1;
+};
+
+/// Notes when a window is raised, among what else the test notes.
+class RaiseNote : public QObject
+{
+public:
+    RaiseNote(QWidget *window, QStringList *notes)
+        : QObject(window)
+        , m_notes(notes)
+    {
+        window->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::ZOrderChange)
+            m_notes->append(u"raised"_s);
+        return false;
+    }
+
+private:
+    QStringList *m_notes;
+};
+} // namespace
+
+/// Start-up, wiring and end of the real components.
+class AppLifecycleTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void settingsHoldingAppstartedLoseThatKey();
+    void clickingTheSplashRightAwayHandsOverToTheMainWindow();
+    void aModifierKeyLeavesTheSplash();
+    void theEditorHoldsTheRootsTextFromTheStart();
+    void aJumpActivatesTheMainWindowBeforeTheModelMoves_data();
+    void aJumpActivatesTheMainWindowBeforeTheModelMoves();
+    void anEntryIsOnTheListBeforeTheListShowsIt();
+    void theHotkeyTogglesTheApplication();
+    void theEndClosesTheFilesAndLeavesTheSettings();
+};
+
+void AppLifecycleTest::settingsHoldingAppstartedLoseThatKey()
+{
+    RunningProgram program;
+    QVERIFY(QSettings().contains(u"appstarted"_s));
+    program.start();
+    QVERIFY(!QSettings().contains(u"appstarted"_s));
+}
+
+void AppLifecycleTest::clickingTheSplashRightAwayHandsOverToTheMainWindow()
+{
+    RunningProgram program;
+    program.start();
+    auto *splash = RunningProgram::window<QSplashScreen>();
+    QVERIFY(splash && splash->isVisible());
+    QVERIFY(!RunningProgram::window<HierarchyWindow>()->isVisible());
+    QTest::mouseClick(splash, Qt::LeftButton);
+    QTRY_VERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
+    QTRY_VERIFY(!splash->isVisible());
+}
+
+void AppLifecycleTest::aModifierKeyLeavesTheSplash()
+{
+    RunningProgram program;
+    program.start();
+    auto *splash = RunningProgram::window<QSplashScreen>();
+    QTest::keyPress(splash, Qt::Key_Control);
+    QTest::keyRelease(splash, Qt::Key_Control);
+    QVERIFY(splash->isVisible());
+    QTest::keyClick(splash, Qt::Key_Space);
+    QTRY_VERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
+}
+
+void AppLifecycleTest::theEditorHoldsTheRootsTextFromTheStart()
+{
+    RunningProgram program;
+    program.start();
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"a.bdl"_s);
+    program.lifecycle->stopSplashScreen();
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"a.bdl"_s);
+}
+
+void AppLifecycleTest::aJumpActivatesTheMainWindowBeforeTheModelMoves_data()
+{
+    QTest::addColumn<bool>("fromTheList");
+    QTest::addRow("to-do list") << true;
+    QTest::addRow("find window") << false;
+}
+
+void AppLifecycleTest::aJumpActivatesTheMainWindowBeforeTheModelMoves()
+{
+    QFETCH(const bool, fromTheList);
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    auto *mainWindow = RunningProgram::window<HierarchyWindow>();
+    QTRY_VERIFY(mainWindow->isVisible());
+    QStringList notes;
+    const RaiseNote raiseNote(mainWindow, &notes);
+    connect(RunningProgram::editor(), &QPlainTextEdit::textChanged, this,
+            [&notes] { notes.append(u"moved"_s); });
+    const EntryAddress address{0, program.second};
+    if (fromTheList)
+        emit RunningProgram::window<TodoListWindow>()->jumpToEntryInHierarchy(address);
+    else
+        emit RunningProgram::window<FindWindow>()->jumpToEntryInHierarchy(address);
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"two"_s);
+    QCOMPARE(notes.value(0), u"raised"_s);
+    QVERIFY(notes.contains(u"moved"_s));
+}
+
+void AppLifecycleTest::anEntryIsOnTheListBeforeTheListShowsIt()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    auto *mainWindow = RunningProgram::window<HierarchyWindow>();
+    auto *todoWindow = RunningProgram::window<TodoListWindow>();
+    QTRY_VERIFY(mainWindow->isVisible());
+    // The list selects the first row when it doesn't know the wanted one; a row on it that isn't
+    // the new one tells the two orders apart.
+    auto *view = todoWindow->findChild<QListView *>();
+    auto *model = qobject_cast<TodoListModel *>(view->model());
+    model->addTodo(EntryAddress{0, program.second});
+    todoWindow->showWindow();
+    todoWindow->hide();
+    for (const int key : {Qt::Key_L, Qt::Key_Equal})
+        QTest::keyClick(mainWindow->windowHandle(), Qt::Key(key), Qt::ControlModifier);
+    QCOMPARE(model->rowCount(), 2);
+    QVERIFY(todoWindow->isVisible());
+    QCOMPARE(view->selectionModel()->selectedIndexes().size(), 1);
+    QCOMPARE(view->selectionModel()->selectedIndexes().first().data().toString(), u"one"_s);
+}
+
+void AppLifecycleTest::theHotkeyTogglesTheApplication()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    auto *mainWindow = RunningProgram::window<HierarchyWindow>();
+    QTRY_VERIFY(mainWindow->isVisible());
+    QCOMPARE(program.native.hotkeys.size(), 1);
+    program.native.pressHotkey();
+    QVERIFY(!mainWindow->isVisible());
+    QCOMPARE(program.native.restores, 1);
+    program.native.pressHotkey();
+    QVERIFY(mainWindow->isVisible());
+    QCOMPARE(program.native.captures, 1);
+}
+
+void AppLifecycleTest::theEndClosesTheFilesAndLeavesTheSettings()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    program.lifecycle->shutdown();
+    QCOMPARE(QSettings().value(u"loadfiles/0"_s).toString(), program.settings.filePath(u"a.bdl"_s));
+    const DiskStore store(program.settings.filePath(u"a.bdl"_s));
+    QCOMPARE(store.dbFileName(), u"a.bdl"_s);
+}
+
+QTEST_MAIN(AppLifecycleTest)
+#include "AppLifecycleTest.moc"
