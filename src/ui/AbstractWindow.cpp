@@ -21,7 +21,7 @@ constexpr int framingTimeMs = 150;
 QPoint framePosition(const QWidget *window)
 {
     const QWindow *handle = window->windowHandle();
-    return handle ? handle->framePosition() : window->pos();
+    return handle && window->isVisible() ? handle->framePosition() : window->pos();
 }
 } // namespace
 
@@ -55,12 +55,12 @@ void AbstractWindow::restoreSizeAndPos()
 void AbstractWindow::restoreShowAndActivate()
 {
     if (!isVisible()) {
-        savePendingPlace();
         restoreSizeAndPos();
         moveOntoScreen();
         clearMinimized();
         setVisible(true);
-        QTimer::singleShot(framingTimeMs, this, [this, wanted = pos()] { settleAt(wanted); });
+        if (m_settings.contains(getWindowPosSettingsKey()))
+            QTimer::singleShot(framingTimeMs, this, [this, wanted = pos()] { settleAt(wanted); });
         // Hidden and shown again at once, the window never lost the keyboard in the toolkit's eyes,
         // and no event tells the widgets that it has it.
         if (QGuiApplication::focusWindow() == windowHandle())
@@ -70,12 +70,24 @@ void AbstractWindow::restoreShowAndActivate()
 }
 
 // A window of fixed size is resized once more when it is framed, and its frame slips by its own
-// width then. Larger differences are the window manager's will.
+// width then. Other differences are the user's or the window manager's will.
 void AbstractWindow::settleAt(QPoint wanted)
 {
+    if (!isVisible())
+        return;
+    const QMargins frame = windowHandle()->frameMargins();
     const QPoint slip = framePosition(this) - wanted;
-    if (isVisible() && !slip.isNull() && slip.manhattanLength() <= managerShift)
+    const QPoint frameWidth(frame.left(), frame.top());
+    if (!frameWidth.isNull() && (slip == frameWidth || slip == -frameWidth))
         move(wanted);
+}
+
+// Once the window is hidden the toolkit no longer knows its frame.
+void AbstractWindow::setVisible(bool visible)
+{
+    if (!visible && isVisible())
+        savePendingPlace();
+    QDialog::setVisible(visible);
 }
 
 // The place the window was just moved to is the one to come back to.

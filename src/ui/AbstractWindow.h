@@ -29,6 +29,8 @@ public:
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
 
+    void setVisible(bool visible) override;
+
 public slots:
     virtual void activate();
     void hideOnDeactivate(bool isAppActive);

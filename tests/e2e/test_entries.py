@@ -5,6 +5,7 @@ from brindle_e2e import datafile
 from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.datafile import CATEGORY, DONE, Entry
 from brindle_e2e.waiting import stays, wait_for
+from brindle_e2e.windows import FIND, HELP, REPORT_RANGE, SETTINGS, TODO_LIST, Window
 
 BLUE, GREY, YELLOW = "#4466ff", "#888888", "#ffcc44"
 
@@ -215,6 +216,10 @@ class ShortcutKeys(BrindleTestCase):
         brindle.wait_until_in_front()
 
 
+WINDOWS = {"ctrl+e": TODO_LIST, "ctrl+f": FIND, "ctrl+r": REPORT_RANGE, "ctrl+comma": SETTINGS,
+           "ctrl+slash": HELP}
+
+
 class Keyboard(BrindleTestCase):
     """Where the keyboard is: in the editor, after every command and every click."""
 
@@ -232,6 +237,11 @@ class Keyboard(BrindleTestCase):
             brindle.keys(key)
             brindle.wait_for_log("brindle.ui.commands: command", mark)
             with self.subTest(key=key):
+                if key in WINDOWS:
+                    # They have the keyboard until they go.
+                    window = Window(brindle, WINDOWS[key]).wait_until_in_front()
+                    brindle.keys("Escape")
+                    window.wait_until_hidden()
                 brindle.wait_until_in_front(5)
 
     def test_the_buttons_never_take_it(self):
