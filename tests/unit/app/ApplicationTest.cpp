@@ -48,8 +48,8 @@ void ApplicationTest::aFileErrorInASlotRunByTheEventLoopDoesNotEndTheProgram()
     QVERIFY(QTest::qWaitForWindowExposed(&button));
     QTimer::singleShot(0, &store, fail);
     QMetaObject::invokeMethod(&store, fail, Qt::QueuedConnection);
-    QTimer::singleShot(20, &store,
-                       [&button] { QTest::mouseClick(button.windowHandle(), Qt::LeftButton); });
+    // Not by the mouse: the toolkit loses a few bytes of a mouse event that an exception leaves.
+    QTimer::singleShot(20, &button, &QPushButton::click);
     constexpr int ended = 42;
     QTimer::singleShot(100, &store, [] { QCoreApplication::exit(ended); });
     QCOMPARE(QCoreApplication::exec(), ended);

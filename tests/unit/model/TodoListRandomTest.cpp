@@ -55,7 +55,9 @@ void TodoListRandomTest::makeFiles()
     const int base = bases[below(5)];
     for (int file = 0; file < 4; ++file) {
         std::vector<int> numbers(entriesPerFile);
-        std::iota(numbers.begin(), numbers.end(), base == 2147483640 ? base : base + below(3));
+        const int first = base == 2147483640 ? base : base + below(3);
+        for (int i = 0; i < entriesPerFile; ++i)
+            numbers[static_cast<std::size_t>(i)] = first + i;
         std::shuffle(numbers.begin(), numbers.end(), m_random);
         TodoDesk::Entries entries;
         for (int i = 0; i < entriesPerFile; ++i) {
