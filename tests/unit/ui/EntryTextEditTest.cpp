@@ -15,6 +15,8 @@ private slots:
     void editingKeepsEveryCharacter();
     void linesAreSeparatedByLineFeeds();
     void undoneEditIsTakenBackInTheModel();
+    void undoNeverCrossesEntriesOfTheSameText();
+    void pastingFromAnEmptyClipboardDoesNothing();
     void textBeingComposedIsTakenOver();
     void textBeingComposedElsewhereIsLeftAlone();
     void boundCombinationsAreLeftToTheWindow_data();
@@ -80,13 +82,36 @@ void EntryTextEditTest::linesAreSeparatedByLineFeeds()
     desk.press(Qt::Key_Return, Qt::ShiftModifier);
     desk.type(u"two"_s);
     desk.press(Qt::Key_Period, Qt::ControlModifier);
-    // Shift+Return breaks the line without ending the paragraph.
-    QString body = desk.storedBody(entry);
-    QCOMPARE(body.replace(QChar::LineSeparator, u'\n'), u"one\ntwo"_s);
+    QCOMPARE(desk.storedBody(entry), u"one\ntwo"_s);
 
     desk.editor()->setPlainText(u"three\nfour"_s);
     desk.press(Qt::Key_Period, Qt::ControlModifier);
     QCOMPARE(desk.storedBody(entry), u"three\nfour"_s);
+}
+
+void EntryTextEditTest::undoNeverCrossesEntriesOfTheSameText()
+{
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    const qint64 first = desk.addEntry(root, u"same"_s, 0);
+    const qint64 second = desk.addEntry(root, u"sam"_s, 1);
+    desk.show();
+    desk.goTo(second);
+    desk.type(u"e"_s);
+    desk.goTo(first);
+    desk.press(Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(desk.editor()->toPlainText(), u"same"_s);
+}
+
+void EntryTextEditTest::pastingFromAnEmptyClipboardDoesNothing()
+{
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    desk.goTo(desk.addEntry(root, u"one"_s, 0));
+    desk.show();
+    QGuiApplication::clipboard()->clear();
+    desk.press(Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(desk.editor()->toPlainText(), u"one"_s);
 }
 
 void EntryTextEditTest::undoneEditIsTakenBackInTheModel()
