@@ -34,3 +34,13 @@ void NativeSupport::requestFront(QWindow *window)
 {
     Q_UNUSED(window)
 }
+
+void NativeSupport::setActivationToken(const QByteArray &token)
+{
+    Q_UNUSED(token)
+}
+
+QString NativeSupport::getActivationHotkeyNotice()
+{
+    return {};
+}

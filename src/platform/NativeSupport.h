@@ -53,6 +53,15 @@ public:
     /// Desktops that need no asking keep this empty body.
     virtual void requestFront(QWindow *window);
 
+    /// Takes the proof of the user's action (an xdg-activation token, or a startup notification id
+    /// on X11) that came along with a request to come forward; the next requestFront() shows it to
+    /// the desktop. Empty forgets the last one. Desktops without such a thing keep this empty body.
+    virtual void setActivationToken(const QByteArray &token);
+
+    /// One sentence or two for the user when the activation hotkey does not work on this desktop,
+    /// saying why and what to use instead; empty when it works, or when that is not known yet.
+    virtual QString getActivationHotkeyNotice();
+
 signals:
     /// The activation hotkey was pressed; once per press, on the GUI thread.
     void hotKeyPressed();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/x11/X11Support.h"
 
+#include "platform/FrontRequests.h"
 #include "platform/PlatformLog.h"
-#include "platform/x11/FrontRequests.h"
 #include "platform/x11/FrontWatch.h"
 #include "platform/x11/FrontWindow.h"
 #include "platform/x11/QtX11.h"
@@ -37,7 +37,7 @@ bool X11Support::attach()
     m_attachedTo = application;
     m_watch = std::make_unique<FrontWatch>(*m_front);
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
-    m_requests = std::make_unique<FrontRequests>([this](quint32 window) { bringForward(window); });
+    m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
         m_watch->expectToComeForward();
         emit hotKeyPressed();
@@ -81,10 +81,11 @@ void X11Support::requestFront(QWindow *window)
     m_requests->request(window);
 }
 
-void X11Support::bringForward(quint32 window)
+void X11Support::bringForward(const QWindow *window)
 {
     // With the time of the press that caused it, what the user did since then wins; the activation
     // timer has no such time.
     const std::optional<quint32> pressTime = m_hotkey->freshPressTime();
-    m_front->bringForward(window, pressTime ? *pressTime : m_front->serverTime());
+    m_front->bringForward(static_cast<quint32>(window->winId()),
+                          pressTime ? *pressTime : m_front->serverTime());
 }

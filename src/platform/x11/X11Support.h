@@ -39,7 +39,7 @@ private:
     explicit X11Support(std::unique_ptr<FrontWindow> front);
 
     bool attach();
-    void bringForward(quint32 window);
+    void bringForward(const QWindow *window);
 
     std::unique_ptr<FrontWindow> m_front;
     std::optional<Captured> m_captured;

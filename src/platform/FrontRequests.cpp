@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/x11/FrontRequests.h"
+#include "platform/FrontRequests.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -21,7 +21,7 @@ QWindow *modalBox()
 
 } // namespace
 
-FrontRequests::FrontRequests(std::function<void(quint32)> bringForward)
+FrontRequests::FrontRequests(std::function<void(QWindow *)> bringForward)
     : m_bringForward(std::move(bringForward))
 {
 }
@@ -65,7 +65,7 @@ void FrontRequests::send(QWindow *window)
     m_waitingFor.removeAll(nullptr);
     if (!window->isVisible())
         return; // the user has dismissed it meanwhile
-    m_bringForward(static_cast<quint32>(window->winId()));
+    m_bringForward(window);
     QWindow *box = modalBox();
     if (box && box != window)
         request(box);

@@ -8,15 +8,15 @@
 
 class QWindow;
 
-/// Brings windows of ours to the front once they are on the screen: a window manager doesn't know
-/// them before.
+/// Brings windows of ours to the front once they are on the screen: the desktop doesn't know them
+/// before.
 class FrontRequests : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a bringForward asks the window manager for the window with the given id.
-    explicit FrontRequests(std::function<void(quint32)> bringForward);
+    /// \a bringForward asks the desktop to put a window that is on the screen in front.
+    explicit FrontRequests(std::function<void(QWindow *)> bringForward);
 
     /// Un-minimises \a window and brings it to the front, and after it the modal box that is open.
     void request(QWindow *window);
@@ -26,6 +26,6 @@ private:
     void waitFor(QWindow *window);
     void send(QWindow *window);
 
-    std::function<void(quint32)> m_bringForward;
+    std::function<void(QWindow *)> m_bringForward;
     QList<QPointer<QWindow>> m_waitingFor;
 };
