@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/KeyboardLayout.h"
 
-#include "platform/x11/X11KeyboardLayout.h"
-
 #include <QCoreApplication>
 
 KeyboardLayout *KeyboardLayout::ofApplication()
@@ -13,9 +11,7 @@ KeyboardLayout *KeyboardLayout::ofApplication()
     if (auto *layout
         = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
         return layout;
-    if (X11KeyboardLayout::isAvailable())
-        return new X11KeyboardLayout(application);
-    return new KeyboardLayout(application);
+    return createForDesktop(application);
 }
 
 PhysicalKey KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)

@@ -19,4 +19,8 @@ public:
 
     /// The key that the desktop calls \a code, pressed in the state \a nativeModifiers.
     virtual PhysicalKey physicalKey(quint32 code, quint32 nativeModifiers);
+
+private:
+    /// The one for the desktop at hand, as a child of \a parent.
+    static KeyboardLayout *createForDesktop(QObject *parent);
 };
