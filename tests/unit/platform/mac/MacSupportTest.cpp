@@ -33,7 +33,7 @@ QString rendered(Qt::KeyboardModifiers modifiers, int key)
 /// The only trace of a refusal; the user is not bothered.
 void expectRefusal(int key)
 {
-    const QString line = u"brindle.platform: the Mac refused the activation hotkey with key %1"_s;
+    const QString line = u"the Mac refused the activation hotkey with key %1"_s;
     QTest::ignoreMessage(QtDebugMsg, line.arg(key).toUtf8().constData());
 }
 
