@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/KeyboardLayout.h"
 
+#include "platform/wayland/WaylandKeyboardLayout.h"
 #include "platform/x11/X11KeyboardLayout.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 
 KeyboardLayout *KeyboardLayout::ofApplication()
 {
@@ -15,11 +17,12 @@ KeyboardLayout *KeyboardLayout::ofApplication()
         return layout;
     if (X11KeyboardLayout::isAvailable())
         return new X11KeyboardLayout(application);
+    if (WaylandKeyboardLayout::isAvailable())
+        return new WaylandKeyboardLayout(application);
     return new KeyboardLayout(application);
 }
 
-PhysicalKey KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)
+PhysicalKey KeyboardLayout::physicalKey(const QKeyEvent &event)
 {
-    Q_UNUSED(nativeModifiers)
-    return PhysicalKey{code, {}, 0};
+    return PhysicalKey{event.nativeScanCode(), {}, 0};
 }
