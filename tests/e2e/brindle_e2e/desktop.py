@@ -51,6 +51,17 @@ class Desktop(Session):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
         self.park_pointer()
 
+    def drag(self, start, end, steps=8):
+        """Drags with the left button, in the small steps of a hand."""
+        command = ["mousemove", *map(str, start), "sleep", "0.1", "mousedown", "1"]
+        for step in range(1, steps + 1):
+            command += ["sleep", "0.05", "mousemove",
+                        *(str(a + (b - a) * step // steps) for a, b in zip(start, end))]
+        # A drop counts where the pointer rests, a pixel further on.
+        command += ["sleep", "0.05", "mousemove_relative", "1", "0", "sleep", "0.15", "mouseup", "1"]
+        self._xdotool(*command)
+        self.park_pointer()
+
     def park_pointer(self):
         """Takes the pointer out of the way, so that nothing reacts to it."""
         self._xdotool("mousemove", "1279", "799")
