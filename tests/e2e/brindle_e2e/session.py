@@ -18,6 +18,7 @@ class Session:
     """Use as a context manager, or start() and stop(); stop() also cleans up after a failed start."""
 
     session_type = None  # as XDG_SESSION_TYPE has it
+    bus_configuration = "--session"  # an option of dbus-daemon
 
     def __init__(self):
         self._processes = []
@@ -104,7 +105,7 @@ class Session:
 
     def _start_session_bus(self):
         read_end, write_end = os.pipe()
-        self.run(["dbus-daemon", "--session", "--nofork", f"--print-address={write_end}"],
+        self.run(["dbus-daemon", self.bus_configuration, "--nofork", f"--print-address={write_end}"],
                  pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
         with os.fdopen(read_end) as answer:

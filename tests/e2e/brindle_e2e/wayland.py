@@ -23,6 +23,21 @@ default_border normal
 default_floating_border normal
 font pango:DejaVu Sans 10
 """
+# A bus on which nothing starts by itself: whether there is a portal is the test's choice.
+_BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir={folder}</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>{folder}/services</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
 _MODIFIERS = ("ctrl", "shift", "alt", "altgr")
 _LEFT_BUTTON = 272
 _NOBODY = 65534
@@ -95,6 +110,7 @@ class WaylandDesktop(Session):
     def _start_parts(self):
         self._start_compositor()
         self._start_hands()
+        self._configure_session_bus()
         self._start_session_bus()
         self._start_accessibility()
 
@@ -129,6 +145,13 @@ class WaylandDesktop(Session):
         self.run(["wtype", "-s", "4000000"])
         self._hands = self.run([HANDS], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.park_pointer()
+
+    def _configure_session_bus(self):
+        path = os.path.join(self.folder, "bus.conf")
+        with open(path, "w", encoding="utf-8") as file:
+            file.write(_BUS.format(folder=self.folder))
+        os.mkdir(os.path.join(self.folder, "services"))
+        self.bus_configuration = f"--config-file={path}"
 
     def _move(self, x, y):
         self._command_hands("move", x, y, self._width, self._height)
