@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/KeyboardLayout.h"
 
-#include "platform/wayland/WaylandKeyboardLayout.h"
-#include "platform/x11/X11KeyboardLayout.h"
-
 #include <QCoreApplication>
 #include <QKeyEvent>
 
@@ -15,11 +12,7 @@ KeyboardLayout *KeyboardLayout::ofApplication()
     if (auto *layout
         = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
         return layout;
-    if (X11KeyboardLayout::isAvailable())
-        return new X11KeyboardLayout(application);
-    if (WaylandKeyboardLayout::isAvailable())
-        return new WaylandKeyboardLayout(application);
-    return new KeyboardLayout(application);
+    return createForDesktop(application);
 }
 
 PhysicalKey KeyboardLayout::physicalKey(const QKeyEvent &event)

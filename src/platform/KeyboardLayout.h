@@ -21,4 +21,8 @@ public:
 
     /// The key that was pressed.
     virtual PhysicalKey physicalKey(const QKeyEvent &event);
+
+private:
+    /// The one for the desktop at hand, as a child of \a parent.
+    static KeyboardLayout *createForDesktop(QObject *parent);
 };
