@@ -2,6 +2,7 @@
 #include "platform/KeyboardLayout.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 
 KeyboardLayout *KeyboardLayout::ofApplication()
 {
@@ -14,8 +15,7 @@ KeyboardLayout *KeyboardLayout::ofApplication()
     return createForDesktop(application);
 }
 
-PhysicalKey KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)
+PhysicalKey KeyboardLayout::physicalKey(const QKeyEvent &event)
 {
-    Q_UNUSED(nativeModifiers)
-    return PhysicalKey{code, {}, 0};
+    return PhysicalKey{event.nativeScanCode(), {}, 0};
 }

@@ -3,6 +3,9 @@
 #include "platform/KeyboardLayout.h"
 #include "platform/NativeSupport.h"
 #include "platform/none/NoDesktopSupport.h"
+#include "platform/wayland/WaylandKeyboardLayout.h"
+#include "platform/wayland/WaylandSession.h"
+#include "platform/wayland/WaylandSupport.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Support.h"
 
@@ -13,9 +16,17 @@ constexpr const char *toolkitPlatform = "QT_QPA_PLATFORM";
 
 std::unique_ptr<NativeSupport> NativeSupport::create()
 {
-    // There is no way yet to place windows or to grab a hotkey on Wayland; XWayland can do most.
-    if (!qEnvironmentVariableIsSet(toolkitPlatform))
-        qputenv(toolkitPlatform, "xcb;wayland");
+    // Unless the user has chosen, the toolkit goes the way that this finds.
+    const bool chosen = qEnvironmentVariableIsSet(toolkitPlatform);
+    if (!chosen || qgetenv(toolkitPlatform).startsWith("wayland")) {
+        if (std::unique_ptr<NativeSupport> wayland = WaylandSupport::open()) {
+            if (!chosen)
+                qputenv(toolkitPlatform, "wayland;xcb");
+            return wayland;
+        }
+    }
+    if (!chosen)
+        qputenv(toolkitPlatform, "xcb");
     if (std::unique_ptr<NativeSupport> x11 = X11Support::open())
         return x11;
     return std::make_unique<NoDesktopSupport>();
@@ -24,14 +35,18 @@ std::unique_ptr<NativeSupport> NativeSupport::create()
 bool NativeSupport::hasDisplay()
 {
     const QByteArray platform = qgetenv(toolkitPlatform);
-    if (!platform.isEmpty() && !platform.startsWith("xcb"))
+    if (platform.startsWith("wayland") && WaylandSession::isThere())
+        return true;
+    if (!platform.isEmpty() && !platform.contains("xcb") && !platform.startsWith("wayland"))
         return true; // offscreen and the like: the toolkit's own business
-    return X11Support::open() || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return X11Support::open() != nullptr;
 }
 
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
     if (X11KeyboardLayout::isAvailable())
         return new X11KeyboardLayout(parent);
+    if (WaylandKeyboardLayout::isAvailable())
+        return new WaylandKeyboardLayout(parent);
     return new KeyboardLayout(parent);
 }
