@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // On a Mac there is no choice among desktops; PcDesktops.cpp makes it elsewhere.
-#include "platform/KeyboardLayout.h"
 #include "platform/NativeSupport.h"
+#include "platform/mac/MacKeyboardLayout.h"
 #include "platform/mac/MacSupport.h"
 
 std::unique_ptr<NativeSupport> NativeSupport::create()
@@ -16,5 +16,5 @@ bool NativeSupport::hasDisplay()
 
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
-    return new KeyboardLayout(parent);
+    return new MacKeyboardLayout(parent);
 }

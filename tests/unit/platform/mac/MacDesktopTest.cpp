@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "fakes/mac/FakeMac.h"
-#include "platform/KeyboardLayout.h"
 #include "platform/NativeSupport.h"
 #include "platform/mac/MacSupport.h"
 
