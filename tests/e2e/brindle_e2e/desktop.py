@@ -37,6 +37,10 @@ class Desktop(Session):
             else:
                 self._xdotool("key", "--delay", "0", name)
 
+    def press_hotkey(self):
+        """Presses the program's activation hotkey as it is without settings."""
+        self.keys("ctrl+alt+space")
+
     def press(self, *names):
         """Presses keys and holds them."""
         self._xdotool("keydown", *names)

@@ -13,9 +13,10 @@ HANDS = os.path.abspath(os.environ.get("BRINDLE_WAYLAND_HANDS", os.path.join(
     _REPOSITORY, "build", "release", "tests", "wayland", "brindle_wayland_hands")))
 
 FLOATING = 'for_window [app_id=".*"] floating enable\n'
+BACKGROUND = "#315c5c"
 _CONFIGURATION = """
 xwayland disable
-output * bg #315c5c solid_color
+output * bg {background} solid_color
 output HEADLESS-1 resolution {width}x{height}
 focus_follows_mouse no
 mouse_warping none
@@ -54,8 +55,10 @@ class WaylandDesktop(Session):
     def __init__(self, width=1280, height=800, configuration=FLOATING):
         super().__init__()
         self._width, self._height = width, height
-        self._configuration = _CONFIGURATION.format(width=width, height=height) + configuration
+        self._configuration = _CONFIGURATION.format(
+            width=width, height=height, background=BACKGROUND) + configuration
         self.compositor = None
+        self.hotkey = None  # what the activation hotkey does: it is not the compositor's to know
         self._hands = None
 
     # What a user's hands do.
@@ -74,6 +77,9 @@ class WaylandDesktop(Session):
     def write(self, text):
         if text:
             self._tool("wtype", "-d", "2", "--", text)
+
+    def press_hotkey(self):
+        self.hotkey()
 
     def click(self, x, y, button=_LEFT_BUTTON):
         self._move(x, y)
