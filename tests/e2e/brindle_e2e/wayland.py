@@ -55,7 +55,6 @@ class WaylandDesktop(Session):
         super().__init__()
         self._width, self._height = width, height
         self._configuration = _CONFIGURATION.format(width=width, height=height) + configuration
-        self.compositor = None
         self._hands = None
 
     # What a user's hands do.
@@ -122,7 +121,7 @@ class WaylandDesktop(Session):
         env = {"HOME": runtime, "XDG_RUNTIME_DIR": runtime, "SWAYSOCK": socket_path,
                "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}
         with open(os.path.join(self.folder, "sway.log"), "wb") as log:
-            self.compositor = self.run(
+            self.display_server = self.run(
                 [*_without_privileges(), "sway", "-c", os.path.join(self.folder, "sway.conf")],
                 env, stdout=log, stderr=log)
         wait_for(lambda: os.path.exists(socket_path), "the compositor")
