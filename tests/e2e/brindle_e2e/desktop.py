@@ -91,8 +91,9 @@ class Desktop(Session):
     def _start_x_server(self):
         read_end, write_end = os.pipe()
         log = open(os.path.join(self.folder, "xvfb.log"), "wb")
-        self.run(["Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten",
-                  "tcp", "-noreset"], pass_fds=(write_end,), stdout=log, stderr=log)
+        self.display_server = self.run(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten", "tcp",
+             "-noreset"], pass_fds=(write_end,), stdout=log, stderr=log)
         os.close(write_end)
         log.close()
         with os.fdopen(read_end) as answer:

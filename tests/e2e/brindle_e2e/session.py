@@ -22,6 +22,7 @@ class Session:
 
     def __init__(self):
         self._processes = []
+        self.display_server = None  # the process that everything on the screen depends on
         self.folder = None
         self.env = None
         self.screen = None

@@ -57,7 +57,6 @@ class WaylandDesktop(Session):
         self._width, self._height = width, height
         self._configuration = _CONFIGURATION.format(
             width=width, height=height, background=BACKGROUND) + configuration
-        self.compositor = None
         self.hotkey = None  # what the activation hotkey does: it is not the compositor's to know
         self._hands = None
 
@@ -128,7 +127,7 @@ class WaylandDesktop(Session):
         env = {"HOME": runtime, "XDG_RUNTIME_DIR": runtime, "SWAYSOCK": socket_path,
                "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}
         with open(os.path.join(self.folder, "sway.log"), "wb") as log:
-            self.compositor = self.run(
+            self.display_server = self.run(
                 [*_without_privileges(), "sway", "-c", os.path.join(self.folder, "sway.conf")],
                 env, stdout=log, stderr=log)
         wait_for(lambda: os.path.exists(socket_path), "the compositor")
