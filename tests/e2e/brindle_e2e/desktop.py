@@ -2,13 +2,11 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
-import re
 
 from .screen import Screen
-from .session import Session
+from .session import Session, key_codes
 from .waiting import wait_for
 
-_MODIFIER_CODES = {"ctrl": 37, "shift": 50, "alt": 64, "altgr": 108}
 
 
 class Desktop(Session):
@@ -27,13 +25,12 @@ class Desktop(Session):
     def keys(self, *names):
         """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
 
-        One that ends in a key code ('ctrl+61', at least two digits) means the key at that place of
-        the keyboard, whatever the layout makes of it.
+        Or by their place on the keyboard, see key_codes().
         """
         for name in names:
-            if re.fullmatch(r"(\w+\+)*\d\d+", name):
-                self.screen.press_codes(*(_MODIFIER_CODES.get(part) or int(part)
-                                          for part in name.split("+")))
+            codes = key_codes(name)
+            if codes:
+                self.screen.press_codes(*codes)
             else:
                 self._xdotool("key", "--delay", "0", name)
 

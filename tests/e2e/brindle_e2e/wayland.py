@@ -4,7 +4,7 @@
 import os
 import subprocess
 
-from .session import Session
+from .session import Session, key_codes
 from .sway import SwayScreen
 from .waiting import wait_for
 
@@ -44,6 +44,13 @@ _LEFT_BUTTON = 272
 _NOBODY = 65534
 
 
+def _words_for_wtype(combination):
+    *modifiers, key = combination.split("+")
+    assert set(modifiers) <= set(_MODIFIERS), combination
+    return [*(word for modifier in modifiers for word in ("-M", modifier)), "-k", key,
+            *(word for modifier in reversed(modifiers) for word in ("-m", modifier))]
+
+
 class WaylandDesktop(Session):
     """Like Desktop, on Wayland: the compositor is sway, keys come from wtype.
 
@@ -63,15 +70,27 @@ class WaylandDesktop(Session):
     # What a user's hands do.
 
     def keys(self, *names):
-        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k')."""
-        arguments = []
+        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
+
+        Or by their place on the keyboard of layout(), see key_codes().
+        """
         for name in names:
-            *modifiers, key = name.split("+")
-            assert set(modifiers) <= set(_MODIFIERS), name
-            arguments += [word for modifier in modifiers for word in ("-M", modifier)]
-            arguments += ["-k", key]
-            arguments += [word for modifier in reversed(modifiers) for word in ("-m", modifier)]
-        self._tool("wtype", *arguments)
+            codes = key_codes(name)
+            if codes:
+                self._press_codes(codes)
+            else:
+                self._tool("wtype", *_words_for_wtype(name))
+
+    def layout(self, *arguments):
+        """Gives the keyboard with places another layout, in setxkbmap's words."""
+        options = dict(zip(arguments[::2], arguments[1::2]))
+        self._command_hands("layout", options["-layout"], options.get("-option", ""))
+
+    def _press_codes(self, codes):
+        for code in codes:
+            self._command_hands("key", code)
+        for code in reversed(codes):
+            self._command_hands("unkey", code)
 
     def write(self, text):
         if text:
