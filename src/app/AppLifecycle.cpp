@@ -362,7 +362,7 @@ void AppLifecycle::activate()
 void AppLifecycle::comeForwardAgain()
 {
     // A window of ours that has the keyboard keeps it: a list may be in use.
-    if (QApplication::activeWindow())
+    if (QApplication::activeWindow() && m_nativeSupport->areWeFrontProcess())
         return;
     m_mainWindow->activate();
     m_activationSupport->requestFront(m_mainWindow->windowHandle());

@@ -253,10 +253,16 @@ void AppActivationSupport::handleRequest(const InstanceRequest &request)
 void AppActivationSupport::comeForward(const QByteArray &token)
 {
     m_nativeSupport->setActivationToken(token);
-    if (m_active)
-        emit activeAgain();
-    else
+    if (!m_active) {
         activateApp(true);
+        return;
+    }
+    // It may have lost the front a moment ago, or not have got it yet.
+    if (!m_nativeSupport->areWeFrontProcess()) {
+        m_nativeSupport->captureFrontProcessForRestore();
+        m_confirmTimer.start();
+    }
+    emit activeAgain();
 }
 
 void AppActivationSupport::acceptRequests()

@@ -57,20 +57,22 @@ QStringList pathsOf(const QStringList &uris)
 
 } // namespace
 
-ApplicationAdaptor::ApplicationAdaptor(const QDBusConnection &connection, QObject *parent)
+ApplicationAdaptor::ApplicationAdaptor(const QDBusConnection &connection, Receiver receiver,
+                                       QObject *parent)
     : QDBusAbstractAdaptor(parent)
     , m_connection(connection)
+    , m_receiver(std::move(receiver))
 {
 }
 
 void ApplicationAdaptor::Activate(const QVariantMap &platformData)
 {
-    emit requested({Kind::Activate, {}, tokenIn(platformData)});
+    m_receiver({Kind::Activate, {}, tokenIn(platformData)});
 }
 
 void ApplicationAdaptor::Open(const QStringList &uris, const QVariantMap &platformData)
 {
-    emit requested({Kind::Open, pathsOf(uris), tokenIn(platformData)});
+    m_receiver({Kind::Open, pathsOf(uris), tokenIn(platformData)});
 }
 
 void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList &parameter,
@@ -78,7 +80,7 @@ void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantLis
 {
     Q_UNUSED(parameter)
     if (action == QLatin1StringView(ApplicationBusName::toggleAction)) {
-        emit requested({Kind::Toggle, {}, tokenIn(platformData)});
+        m_receiver({Kind::Toggle, {}, tokenIn(platformData)});
         return;
     }
     qCDebug(instanceLog) << "asked for the unknown action" << action.left(longestToken);

@@ -15,9 +15,9 @@ public:
     {
         if (!session.isConnected())
             return;
-        const auto *adaptor = new ApplicationAdaptor(session.connection(), &object);
-        QObject::connect(adaptor, &ApplicationAdaptor::requested, owner,
-                         &DesktopApplication::requested);
+        new ApplicationAdaptor(
+            session.connection(),
+            [owner](const InstanceRequest &request) { emit owner->requested(request); }, &object);
     }
 
     SessionBus session;
