@@ -34,6 +34,11 @@ public:
         calls.append(QStringLiteral("hotkey"));
     }
     void requestFront(QWindow *window) override { frontRequests.append(window); }
+    void setActivationToken(const QByteArray &token) override
+    {
+        tokens.append(token);
+        calls.append(QStringLiteral("token"));
+    }
 
     void pressHotkey() { emit hotKeyPressed(); }
 
@@ -43,5 +48,6 @@ public:
     int restores = 0;
     QList<unsigned int> hotkeys; ///< Each registered native key, in order.
     QList<QPointer<QWindow>> frontRequests;
-    QStringList calls; ///< "capture", "restore" and "hotkey" in the order they came.
+    QList<QByteArray> tokens; ///< Each one handed over, in order; empty ones, too.
+    QStringList calls; ///< "capture", "restore", "hotkey" and "token" in the order they came.
 };
