@@ -6,8 +6,6 @@
 #include "app/activation/DesktopApplication.h"
 
 #include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QElapsedTimer>
 #include <QtTest>
 
@@ -18,32 +16,20 @@ namespace
 {
 
 const auto service = "example.osterlane.Brindle"_L1;
-const auto objectPath = "/example/osterlane/Brindle"_L1;
-
-/// What comes back when another program calls a method, with the event loop running.
-QDBusMessage call(PrivateBus &bus, const QString &method, const QVariantList &arguments)
-{
-    QDBusMessage message = QDBusMessage::createMethodCall(service, objectPath,
-                                                          u"org.freedesktop.Application"_s, method);
-    message.setArguments(arguments);
-    QDBusPendingCallWatcher answer(bus.other().asyncCall(message));
-    runUntil([&] { return answer.isFinished(); });
-    return answer.reply();
-}
 
 QDBusMessage::MessageType activate(PrivateBus &bus, const QVariantMap &data)
 {
-    return call(bus, u"Activate"_s, {data}).type();
+    return bus.callProgram(u"Activate"_s, {data}).type();
 }
 
 QDBusMessage::MessageType open(PrivateBus &bus, const QStringList &uris)
 {
-    return call(bus, u"Open"_s, {uris, QVariantMap()}).type();
+    return bus.callProgram(u"Open"_s, {uris, QVariantMap()}).type();
 }
 
 QDBusMessage::MessageType action(PrivateBus &bus, const QString &name)
 {
-    return call(bus, u"ActivateAction"_s, {name, QVariantList(), QVariantMap()}).type();
+    return bus.callProgram(u"ActivateAction"_s, {name, QVariantList(), QVariantMap()}).type();
 }
 
 constexpr auto isReply = QDBusMessage::ReplyMessage;
@@ -207,7 +193,7 @@ void DesktopApplicationTest::toggleBackTakesNoToken()
     const Serving copy;
     const QVariantMap data{{u"activation-token"_s, u"a"_s}};
     for (int i = 0; i < 2; ++i)
-        QCOMPARE(call(bus, u"ActivateAction"_s, {u"toggle"_s, QVariantList(), data}).type(),
+        QCOMPARE(bus.callProgram(u"ActivateAction"_s, {u"toggle"_s, QVariantList(), data}).type(),
                  isReply);
     QTRY_COMPARE(copy.desktop.restores, 1);
     QCOMPARE(copy.desktop.tokens, QByteArrayList{"a"}); // it would be spent on a later request
@@ -219,7 +205,7 @@ void DesktopApplicationTest::anUnknownActionIsAnsweredWithAnError()
     const Serving copy;
     for (const QString &name : {u"quit"_s, QString(), u"Toggle"_s, QString(100'000, u'x')}) {
         const QDBusMessage reply
-            = call(bus, u"ActivateAction"_s, {name, QVariantList(), QVariantMap()});
+            = bus.callProgram(u"ActivateAction"_s, {name, QVariantList(), QVariantMap()});
         QCOMPARE(reply.type(), QDBusMessage::ErrorMessage);
         QCOMPARE(reply.errorName(), u"org.freedesktop.DBus.Error.InvalidArgs"_s);
     }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "PrivateBus.h"
 
+#include <QDBusPendingCallWatcher>
+#include <QTest>
+
 using namespace Qt::StringLiterals;
 
 namespace
@@ -28,6 +31,18 @@ PrivateBus::~PrivateBus()
     QDBusConnection::disconnectFromBus(otherName);
     end();
     qputenv(variable, m_before);
+}
+
+QDBusMessage PrivateBus::callProgram(const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(u"example.osterlane.Brindle"_s,
+                                                          u"/example/osterlane/Brindle"_s,
+                                                          u"org.freedesktop.Application"_s, method);
+    message.setArguments(arguments);
+    const QDBusPendingCallWatcher answer(m_other.asyncCall(message));
+    if (!QTest::qWaitFor([&] { return answer.isFinished(); }, 10'000))
+        return QDBusMessage();
+    return answer.reply();
 }
 
 void PrivateBus::end()

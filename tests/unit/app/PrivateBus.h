@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -18,6 +19,8 @@ public:
     QString address() const { return m_address; }
     /// Another program's connection to the bus.
     QDBusConnection &other() { return m_other; }
+    /// What comes back when that program calls a method of ours, with the event loop running.
+    QDBusMessage callProgram(const QString &method, const QVariantList &arguments);
     /// The bus goes away under everybody's feet.
     void end();
 
