@@ -6,6 +6,9 @@
 namespace
 {
 
+/// What _NET_WM_DESKTOP holds for a window that is on every workspace.
+constexpr quint32 onAllWorkspaces = 0xffffffff;
+
 /// The root window of \a screen.
 xcb_window_t rootOf(xcb_connection_t *connection, int screen)
 {
@@ -80,6 +83,21 @@ void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
     xcb_ewmh_request_change_active_window(&m_ewmh, m_screen, window,
                                           XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER, time, noWindow);
     xcb_flush(m_connection.get());
+}
+
+void FrontWindow::bringToWorkspaceInSight(xcb_window_t window)
+{
+    const auto currentCookie = xcb_ewmh_get_current_desktop(&m_ewmh, m_screen);
+    const auto cookie = xcb_ewmh_get_wm_desktop(&m_ewmh, window);
+    quint32 current = 0;
+    quint32 workspace = 0;
+    const bool currentKnown
+        = xcb_ewmh_get_current_desktop_reply(&m_ewmh, currentCookie, &current, nullptr) != 0;
+    const bool known = xcb_ewmh_get_wm_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
+    if (!currentKnown || !known || workspace == current || workspace == onAllWorkspaces)
+        return;
+    xcb_ewmh_request_change_wm_desktop(&m_ewmh, m_screen, window, current,
+                                       XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER);
 }
 
 xcb_window_t FrontWindow::clockWindow()

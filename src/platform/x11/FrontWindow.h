@@ -36,6 +36,10 @@ public:
     /// would: window managers don't refuse that as stealing the focus.
     void bringForward(xcb_window_t window, xcb_timestamp_t time);
 
+    /// Moves \a window to the workspace that the user looks at: going to a window's own workspace
+    /// instead would take the user away from where the program was called.
+    void bringToWorkspaceInSight(xcb_window_t window);
+
     /// The X server's present time stamp.
     xcb_timestamp_t serverTime();
 

@@ -39,6 +39,7 @@ bool X11Support::attach()
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
+        m_watch->settleNow();
         m_watch->expectToComeForward();
         emit hotKeyPressed();
     });
@@ -86,6 +87,7 @@ void X11Support::bringForward(const QWindow *window)
     // With the time of the press that caused it, what the user did since then wins; the activation
     // timer has no such time.
     const std::optional<quint32> pressTime = m_hotkey->freshPressTime();
+    m_front->bringToWorkspaceInSight(static_cast<quint32>(window->winId()));
     m_front->bringForward(static_cast<quint32>(window->winId()),
                           pressTime ? *pressTime : m_front->serverTime());
 }

@@ -104,14 +104,12 @@ class BrindleTestCase(unittest.TestCase):
         os.makedirs(folder)
         self.desktop.picture(os.path.join(folder, "screen.png"))
         shutil.copytree(self.home.folder, os.path.join(folder, "home"), symlinks=True,
-                        ignore=shutil.ignore_patterns("runtime", "cache"),
+                        ignore=shutil.ignore_patterns("runtime", "cache", "example.*"),
                         ignore_dangling_symlinks=True)
         for index, brindle in enumerate(self.programs):
             with open(os.path.join(folder, f"tree-{index}.txt"), "w", encoding="utf-8") as file:
                 file.write(brindle.report())
         print(f"evidence of the failure is in {folder}", flush=True)
-
-
 
 
 def main():
