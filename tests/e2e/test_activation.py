@@ -7,7 +7,7 @@ import time
 
 from brindle_e2e import datafile
 from brindle_e2e.case import BrindleTestCase, main
-from brindle_e2e.waiting import stays, wait_for
+from brindle_e2e.waiting import stays, wait_for, wait_until_stays
 
 HOTKEY = "ctrl+alt+space"
 SAVE_PROMPT = "Some of your changes have not been saved."
@@ -42,7 +42,10 @@ class ActivationTestCase(BrindleTestCase):
         brindle.write_entry("Changed")
         brindle.keys("ctrl+q")
         box = brindle.wait_for_box(SAVE_PROMPT)
-        return box, wait_for(lambda: self.desktop.screen.find(brindle.pid, "Save changes?"), "the box")
+        window = wait_for(lambda: self.desktop.screen.find(brindle.pid, "Save changes?"), "the box")
+        wait_for(lambda: self.desktop.screen.active_window() == window and box.node.has("active"),
+                 "the box in front")
+        return box, window
 
     def check_box_comes_forward(self, brindle, box, window):
         """The hotkey brings the box and its main window, and the box has the keyboard."""
@@ -332,10 +335,9 @@ class Confirmation(ActivationTestCase):
         finally:
             manager.send_signal(signal.SIGCONT)
         # It now does what it was asked for meanwhile: it shows the window, and takes it away again.
-        wait_for(lambda: self.desktop.screen.windows() == [self.other.window], "only the other one")
-        wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
-        stays(lambda: self.desktop.screen.active_window() == self.other.window,
-              "the other program stays in front", 2)
+        wait_until_stays(lambda: self.desktop.screen.windows() == [self.other.window]
+                         and self.desktop.screen.active_window() == self.other.window,
+                         "the other program alone, and in front", 2)
         self.other_has_keyboard("still here")
         # One press brings the window: the program knows that it is not in front.
         brindle.bring_back()

@@ -6,6 +6,7 @@
 #include "platform/x11/XcbReply.h"
 
 #include <QApplication>
+#include <QWidget>
 #include <QWindow>
 #include <unistd.h>
 
@@ -20,11 +21,17 @@ bool isWindowOfToolkit(quint32 window)
     });
 }
 
-/// With no window in front at all, our own state decides: a box that opens or closes.
-bool toolkitSaysActive()
+/// With no window in front at all, our own state decides: a box that opens or closes. A box that
+/// the user has left behind on another workspace doesn't count.
+bool toolkitSaysActive(FrontWindow &front)
 {
-    return QGuiApplication::applicationState() == Qt::ApplicationActive
-        || QApplication::activeModalWidget();
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive)
+        return true;
+    const QWidget *box = QApplication::activeModalWidget();
+    const QWindow *window = box ? box->window()->windowHandle() : nullptr;
+    return box
+        && !(window && window->handle()
+             && front.isOnAnotherWorkspace(static_cast<quint32>(window->winId())));
 }
 
 } // namespace
@@ -68,7 +75,7 @@ bool FrontWatch::isOurs(FrontWindow &front, quint32 window)
 bool FrontWatch::areWeInFront()
 {
     const xcb_window_t window = m_front.active();
-    if (window != FrontWindow::noWindow ? isOurs(m_front, window) : toolkitSaysActive()) {
+    if (window != FrontWindow::noWindow ? isOurs(m_front, window) : toolkitSaysActive(m_front)) {
         m_wereInFront = m_wereInFront || window != FrontWindow::noWindow;
         return true;
     }

@@ -85,19 +85,31 @@ void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
     xcb_flush(m_connection.get());
 }
 
+std::optional<quint32> FrontWindow::workspaceInSight()
+{
+    quint32 workspace = 0;
+    const auto cookie = xcb_ewmh_get_current_desktop(&m_ewmh, m_screen);
+    const bool known
+        = xcb_ewmh_get_current_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
+    return known ? std::optional(workspace) : std::nullopt;
+}
+
+bool FrontWindow::isOnAnotherWorkspace(xcb_window_t window)
+{
+    quint32 workspace = 0;
+    const auto cookie = xcb_ewmh_get_wm_desktop(&m_ewmh, window);
+    const bool known = xcb_ewmh_get_wm_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
+    return known && workspace != onAllWorkspaces
+        && workspaceInSight().value_or(workspace) != workspace;
+}
+
 void FrontWindow::bringToWorkspaceInSight(xcb_window_t window)
 {
-    const auto currentCookie = xcb_ewmh_get_current_desktop(&m_ewmh, m_screen);
-    const auto cookie = xcb_ewmh_get_wm_desktop(&m_ewmh, window);
-    quint32 current = 0;
-    quint32 workspace = 0;
-    const bool currentKnown
-        = xcb_ewmh_get_current_desktop_reply(&m_ewmh, currentCookie, &current, nullptr) != 0;
-    const bool known = xcb_ewmh_get_wm_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
-    if (!currentKnown || !known || workspace == current || workspace == onAllWorkspaces)
-        return;
-    xcb_ewmh_request_change_wm_desktop(&m_ewmh, m_screen, window, current,
-                                       XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER);
+    const std::optional<quint32> workspace = workspaceInSight();
+    if (workspace && isOnAnotherWorkspace(window)) {
+        xcb_ewmh_request_change_wm_desktop(&m_ewmh, m_screen, window, *workspace,
+                                           XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER);
+    }
 }
 
 xcb_window_t FrontWindow::clockWindow()

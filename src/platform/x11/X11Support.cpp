@@ -5,6 +5,7 @@
 #include "platform/PlatformLog.h"
 #include "platform/x11/FrontWatch.h"
 #include "platform/x11/FrontWindow.h"
+#include "platform/x11/LateMapping.h"
 #include "platform/x11/QtX11.h"
 #include "platform/x11/X11Hotkey.h"
 
@@ -36,6 +37,7 @@ bool X11Support::attach()
         return false;
     m_attachedTo = application;
     m_watch = std::make_unique<FrontWatch>(*m_front);
+    m_lateMapping = std::make_unique<LateMapping>();
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {

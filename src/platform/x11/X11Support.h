@@ -10,6 +10,7 @@
 class FrontRequests;
 class FrontWatch;
 class FrontWindow;
+class LateMapping;
 class QCoreApplication;
 class X11Hotkey;
 
@@ -45,6 +46,7 @@ private:
     std::optional<Captured> m_captured;
     QPointer<QCoreApplication> m_attachedTo;
     std::unique_ptr<FrontWatch> m_watch;
+    std::unique_ptr<LateMapping> m_lateMapping;
     std::unique_ptr<X11Hotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
 };

@@ -116,7 +116,7 @@ class Brindle:
     def wait_until_hidden(self, timeout=None):
         # The window manager knows, also while the program is too busy to answer.
         def hidden():
-            return self.window not in self.desktop.screen.windows()
+            return not self.desktop.screen.is_managed(self.window)
 
         wait_for(hidden, "the main window hidden", timeout)
         # Nobody's hands are quicker than this; what happens to quicker ones has a test of its own.

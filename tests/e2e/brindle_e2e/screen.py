@@ -92,6 +92,17 @@ class Screen:
             return False
         return bool(state) and state.state == Xutil.IconicState
 
+    def is_managed(self, window_id):
+        """Whether the window manager looks after the window, be it in sight or not."""
+        if window_id not in self.windows():
+            return False
+        try:
+            state = self._window(window_id).get_wm_state()
+        except error.XError:
+            return False
+        # Not every manager strikes a window off its list at once.
+        return bool(state) and state.state != Xutil.WithdrawnState
+
     def current_workspace(self):
         """Number of the workspace that is in sight, from 0."""
         return self._property(self._root, "_NET_CURRENT_DESKTOP")[0]
