@@ -16,9 +16,7 @@ QList<KeyCommandMap::KeyCombo> KeyLookup::candidates(const QKeyEvent &event,
     // The key pad has no letters to look for, and its digits are not those of the top row's place.
     KeyboardLayout *layout
         = all.testFlag(Qt::KeypadModifier) ? nullptr : KeyboardLayout::ofApplication();
-    const PhysicalKey physicalKey = layout
-        ? layout->physicalKey(event.nativeScanCode(), event.nativeModifiers())
-        : PhysicalKey{};
+    const PhysicalKey physicalKey = layout ? layout->physicalKey(event) : PhysicalKey{};
     const bool altGr = all.testFlag(Qt::GroupSwitchModifier);
 
     QList<KeyCommandMap::KeyCombo> combos;

@@ -171,8 +171,8 @@ class Brindle:
 
     def click_button(self, name):
         """Clicks the middle of a button of the main window with the mouse."""
-        x, y, width, height = wait_for(lambda: self.button(name), f"the button {name!r}").extents
-        self.desktop.click(x + width // 2, y + height // 2)
+        button = wait_for(lambda: self.button(name), f"the button {name!r}")
+        self.desktop.click(*self._middle(self.window, self._main_node(), button))
 
     # What a user sees.
 
@@ -274,8 +274,7 @@ class Brindle:
         window = wait_for(lambda: self._find_window(box.node), "the message box's frame")
         self.desktop.screen.activate(window)
         wait_for(lambda: self.desktop.screen.active_window() == window, "the message box in front")
-        x, y, width, height = node.extents
-        self.desktop.click(x + width // 2, y + height // 2)
+        self.desktop.click(*self._middle(window, box.node, node))
         wait_for(lambda: not box.node.has("showing"), f"the message box gone after {button}")
 
     def stays_running(self, seconds=1.0):
@@ -291,10 +290,10 @@ class Brindle:
 
     def colour_of_state_bar(self, whose="Current entry"):
         """The colour of a state bar as it is on the screen."""
-        bar = next(part for part in self._main_node().shown()
+        node = self._main_node()
+        bar = next(part for part in node.shown()
                    if part.name.startswith("State: ") and part.description == whose)
-        x, y, width, height = bar.extents
-        return self.desktop.screen.colour_at(x + width // 2, y + height // 2)
+        return self.desktop.screen.colour_at(*self._middle(self.window, node, bar))
 
     # What the program says in its debug output.
 
@@ -339,17 +338,20 @@ class Brindle:
         return None
 
     def _find_window(self, node):
-        """The X window that shows this node: same process, same place, or at least same title."""
+        """The window that shows this node: same process, same place, or at least same title."""
         windows = self.desktop.screen.windows_of(self.pid)
-        place = tuple(node.extents)
         # A message box can have the title of the dialog below it, or the program's name.
         for window_id in windows:
-            if self.desktop.screen.place(window_id) == place:
+            if self.desktop.screen.shows(window_id, node):
                 return window_id
         for window_id in windows:
             if self.desktop.screen.title(window_id) == node.name:
                 return window_id
         return None
+
+    def _middle(self, window, window_node, node):
+        x, y, width, height = self.desktop.screen.spot(window, window_node, node)
+        return x + width // 2, y + height // 2
 
     @staticmethod
     def _editor(node):

@@ -29,8 +29,13 @@ class BrindleTestCase(unittest.TestCase):
     def setUpClass(cls):
         if not os.access(PROGRAM, os.X_OK):
             raise RuntimeError(f"there is no program to test at {PROGRAM}")
-        cls.desktop = Desktop().start()
+        cls.desktop = cls.make_desktop().start()
         cls.addClassCleanup(cls.desktop.stop)
+
+    @classmethod
+    def make_desktop(cls):
+        """The desktop that the tests of a class share."""
+        return Desktop()
 
     def __init__(self, method_name="runTest"):
         super().__init__(method_name)

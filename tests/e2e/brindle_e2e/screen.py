@@ -85,6 +85,15 @@ class Screen:
         except error.XError:
             return None
 
+    def shows(self, window_id, node):
+        """Whether a window is that of a node on the accessibility bus."""
+        return self.place(window_id) == tuple(node.extents)
+
+    @staticmethod
+    def spot(_window_id, _window_node, node):
+        """The place of a part on the screen. Programs know it here; not every desktop tells them."""
+        return tuple(node.extents)
+
     def is_minimised(self, window_id):
         try:
             state = self._window(window_id).get_wm_state()

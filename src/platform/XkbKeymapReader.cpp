@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/x11/XkbKeymapReader.h"
+#include "platform/XkbKeymapReader.h"
 
 #include <QChar>
 #include <bitset>
@@ -66,6 +66,17 @@ PhysicalKey XkbKeymapReader::physicalKey(quint32 code, int activeGroup) const
         key.groups.append(symbols);
     }
     return key;
+}
+
+int XkbKeymapReader::groupOf(quint32 code, int toolkitKey) const
+{
+    for (int group = 0; group < groupCount(); ++group) {
+        for (int level = 0; level < PhysicalKey::levelCount; ++level) {
+            if (keyAt(code, group, level) == toolkitKey)
+                return group;
+        }
+    }
+    return 0;
 }
 
 int XkbKeymapReader::qtKey(quint32 symbol)

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "platform/wayland/WaylandKeyboardLayout.h"
+
+#include "platform/wayland/KeymapConnection.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+bool WaylandKeyboardLayout::isAvailable()
+{
+    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+WaylandKeyboardLayout::WaylandKeyboardLayout(QObject *application)
+    : KeyboardLayout(application)
+    , m_connection(KeymapConnection::open())
+{
+}
+
+WaylandKeyboardLayout::~WaylandKeyboardLayout() = default;
+
+PhysicalKey WaylandKeyboardLayout::physicalKey(const QKeyEvent &event)
+{
+    if (!m_connection || !m_connection->keymap())
+        return KeyboardLayout::physicalKey(event);
+    // Which group is active only the window in front is told, in a form the toolkit keeps.
+    const XkbKeymapReader &keymap = *m_connection->keymap();
+    const quint32 code = event.nativeScanCode();
+    return keymap.physicalKey(code, keymap.groupOf(code, event.key()));
+}
