@@ -119,11 +119,10 @@ class Brindle:
 
     def is_on_the_screen(self):
         """Whether the desktop has the main window; it knows, also while the program is busy."""
-        windows = self.desktop.screen.windows()
-        if self.window not in windows:
+        if not self.desktop.screen.is_managed(self.window):
             # Not every desktop knows a window again that was hidden.
             self.window = self.desktop.screen.shown_again(self.window, self.pid)
-        return self.window in windows
+        return self.desktop.screen.is_managed(self.window)
 
     def wait_until_hidden(self, timeout=None):
         def hidden():

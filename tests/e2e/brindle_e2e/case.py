@@ -115,7 +115,7 @@ class BrindleTestCase(unittest.TestCase):
         except Exception as error:  # a desktop that is gone must not hide how it went
             print(f"no picture of the screen: {error}", flush=True)
         shutil.copytree(self.home.folder, os.path.join(folder, "home"), symlinks=True,
-                        ignore=shutil.ignore_patterns("runtime", "cache"),
+                        ignore=shutil.ignore_patterns("runtime", "cache", "example.*"),
                         ignore_dangling_symlinks=True)
         for index, brindle in enumerate(self.programs):
             with open(os.path.join(folder, f"tree-{index}.txt"), "w", encoding="utf-8") as file:

@@ -49,6 +49,10 @@ class SwayScreen:
         return next((view["id"] for view in self._views()
                      if view["pid"] == pid and (view["name"] or "").startswith(title_start)), None)
 
+    def is_managed(self, window_id):
+        """Whether the compositor looks after the window, be it in sight or not."""
+        return window_id in self.windows()
+
     def pid(self, window_id):
         return self._value(window_id, "pid", 0)
 
