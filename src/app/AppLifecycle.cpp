@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppLifecycle.h"
 
+#include "app/DisplayLoss.h"
 #include "app/SplashScreen.h"
 #include "app/TerminationSignals.h"
 #include "app/activation/AppActivationSupport.h"
@@ -78,6 +79,8 @@ void AppLifecycle::startup()
 
 bool AppLifecycle::becomeTheOneInstance()
 {
+    if (!m_asksQuestions)
+        m_activationSupport->askNoQuestions(InstanceRequest::toOpen(m_filesToOpen));
     try {
         if (!m_activationSupport->checkForOtherInstances())
             return true;
@@ -94,6 +97,8 @@ void AppLifecycle::setIdentity()
     QCoreApplication::setOrganizationDomain(QString::fromLatin1(Maker::domain));
     QCoreApplication::setApplicationName(u"Brindle"_s);
     QApplication::setWindowIcon(QIcon(u":/images/brindle.png"_s));
+    // How a compositor finds the program's .desktop file; it is asked with the first window.
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(Maker::applicationId));
 }
 
 void AppLifecycle::showSplashScreen()
@@ -201,6 +206,12 @@ void AppLifecycle::connectActivation()
     AppActivationSupport *activation = m_activationSupport.get();
     connect(activation, &AppActivationSupport::requestTermination, this,
             &AppLifecycle::exitOnceNothingIsAsked);
+    connect(activation, &AppActivationSupport::requestOpenFiles, this,
+            [this](const QStringList &files) {
+                m_filesToOpen += files;
+                openFilesOnceNothingIsAsked();
+            });
+    connect(activation, &AppActivationSupport::activeAgain, this, &AppLifecycle::comeForwardAgain);
     connect(activation, &AppActivationSupport::activationChanged, m_todoListWindow.get(),
             &AbstractWindow::hideOnDeactivate);
     connect(activation, &AppActivationSupport::activationChanged, m_findWindow.get(),
@@ -261,6 +272,8 @@ void AppLifecycle::connectEndOfSession()
 {
     const auto *signalReceiver = new TerminationSignals(this);
     connect(signalReceiver, &TerminationSignals::received, this, &AppLifecycle::saveAndEnd);
+    const auto *displayLoss = new DisplayLoss(this);
+    connect(displayLoss, &DisplayLoss::lost, this, &AppLifecycle::saveEverything);
     // The session waits for the answer, so this can't be queued.
     connect(
         m_app, &QGuiApplication::commitDataRequest, this,
@@ -269,7 +282,8 @@ void AppLifecycle::connectEndOfSession()
 
 void AppLifecycle::openFilesFromCommandLine()
 {
-    for (const QString &path : std::as_const(m_filesToOpen)) {
+    const QStringList files = std::exchange(m_filesToOpen, {});
+    for (const QString &path : files) {
         // One bad file must not keep the program from coming up.
         guardAgainstFileErrors(lcApp(), "openFilesFromCommandLine", [&] {
             guardAgainstTexts(lcApp(), "openFilesFromCommandLine", [&] { openAndGoTo(path); });
@@ -277,14 +291,32 @@ void AppLifecycle::openFilesFromCommandLine()
     }
 }
 
+void AppLifecycle::openFilesOnceNothingIsAsked()
+{
+    // A box may be about the very files that are open; it is answered first.
+    if (QApplication::activeModalWidget())
+        QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::openFilesOnceNothingIsAsked);
+    else
+        openFilesFromCommandLine();
+}
+
 void AppLifecycle::openAndGoTo(const QString &path)
 {
     const int filesBefore = m_fileManager->getFileCount();
     m_fileManager->openFileFromCommandLine(path);
-    const int last = m_fileManager->getFileCount() - 1;
-    if (last + 1 > filesBefore) {
-        const qint64 root = m_fileManager->getFile(last)->getEntryId(-1, 0);
-        m_hierarchyModel->goToEntry(EntryAddress{last, root});
+    // At start-up one that is known already changes nothing; asked for later, it is wanted now.
+    if (m_startupDone || m_fileManager->getFileCount() > filesBefore)
+        goToRootOf(path);
+}
+
+void AppLifecycle::goToRootOf(const QString &path)
+{
+    for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
+        DiskStore *store = m_fileManager->getFile(index);
+        if (store->isSameFile(path)) {
+            m_hierarchyModel->goToEntry(EntryAddress{index, store->getEntryId(-1, 0)});
+            return;
+        }
     }
 }
 
@@ -328,6 +360,15 @@ void AppLifecycle::activate()
     else
         m_splash->close();
     m_updateCheck = std::make_unique<CheckForUpdates>(m_mainWindow.get());
+}
+
+void AppLifecycle::comeForwardAgain()
+{
+    // A window of ours that has the keyboard keeps it: a list may be in use.
+    if (QApplication::activeWindow() && m_nativeSupport->areWeFrontProcess())
+        return;
+    m_mainWindow->activate();
+    m_activationSupport->requestFront(m_mainWindow->windowHandle());
 }
 
 void AppLifecycle::shutdown()

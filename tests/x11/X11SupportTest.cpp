@@ -82,10 +82,16 @@ private slots:
     void restoringAVanishedWindowIsNoError();
     void captureWorksBeforeItKnowsTheToolkit();
     void requestFrontBringsAWindowForwardThatHadNoUserAction();
+    void aStartupIdLendsItsTimeToTheNextRequestAlone();
+    void aStartupIdWithoutATimeChangesNothing_data();
+    void aStartupIdWithoutATimeChangesNothing();
     void requestFrontUnminimises();
     void requestFrontBringsTheModalBoxForwardToo();
     void losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing();
     void aMomentWithoutAnyActiveWindowIsNoLoss();
+    void anotherWindowInFrontForAMomentIsNoLoss();
+    void theToolkitsOwnWordOfALossWaitsUntilItHasSettled();
+    void theHotkeyEndsTheWaitForALossToSettle();
     void aDialogOfAnotherProcessForOurWindowIsOurs();
     void ourOwnDialogsNeverLoseTheFront();
 
@@ -291,7 +297,7 @@ void X11SupportTest::restoringTwiceBringsTheOtherProgramForwardTwice()
         QVERIFY(m_support->areWeFrontProcess());
         m_support->restoreCapturedProcess();
         QTRY_COMPARE(XTools::activeWindow(), other.window());
-        QVERIFY(!m_support->areWeFrontProcess());
+        QTRY_VERIFY(!m_support->areWeFrontProcess());
     }
 }
 
@@ -343,6 +349,45 @@ void X11SupportTest::requestFrontBringsAWindowForwardThatHadNoUserAction()
     QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
     QVERIFY(XTools::press(u"a"_s));
     QTRY_COMPARE(m_window->text(), u"a"_s);
+}
+
+void X11SupportTest::aStartupIdLendsItsTimeToTheNextRequestAlone()
+{
+    constexpr quint32 time = 4242;
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    XTools::FrontRequestSpy spy;
+    m_support->setActivationToken("launcher/brindle/1-2-host_TIME4242");
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    QTRY_VERIFY((times += spy.timesOf(window)).contains(time));
+    m_support->requestFront(m_window->windowHandle());
+    times.clear();
+    QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
+    QVERIFY(!times.contains(time));
+}
+
+void X11SupportTest::aStartupIdWithoutATimeChangesNothing_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    for (const char *token :
+         {"", "token", "_TIME", "a_TIME0", "a_TIMEx", "a_TIME42x", "a_TIME99999999999999999999"})
+        QTest::newRow(token) << QByteArray(token);
+}
+
+void X11SupportTest::aStartupIdWithoutATimeChangesNothing()
+{
+    QFETCH(QByteArray, token);
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    XTools::FrontRequestSpy spy;
+    m_support->setActivationToken("a_TIME42");
+    m_support->setActivationToken(token); // and what came before is forgotten
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
+    QVERIFY(!times.contains(42));
+    QVERIFY(!times.contains(0));
 }
 
 void X11SupportTest::requestFrontUnminimises()
@@ -401,12 +446,56 @@ void X11SupportTest::aMomentWithoutAnyActiveWindowIsNoLoss()
     QVERIFY(m_support->areWeFrontProcess());
 }
 
+void X11SupportTest::anotherWindowInFrontForAMomentIsNoLoss()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(m_support->areWeFrontProcess());
+    XTools::claimActiveWindow(static_cast<xcb_window_t>(m_window->winId()));
+    QTest::qWait(2 * settledMs);
+    QCOMPARE(counter.events, 0);
+    QVERIFY(m_support->areWeFrontProcess());
+}
+
+void X11SupportTest::theToolkitsOwnWordOfALossWaitsUntilItHasSettled()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    QVERIFY(!XTools::run(u"xdotool"_s, {u"windowactivate"_s, QString::number(other.window())})
+                 .isNull());
+    QTRY_COMPARE(counter.losses, 1);
+    QTest::qWait(settledMs);
+    QCOMPARE(counter.events, 2); // the toolkit's, at once, and ours
+}
+
+void X11SupportTest::theHotkeyEndsTheWaitForALossToSettle()
+{
+    m_support->setActivationHotkey(space);
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    qsizetype lossesAtThePress = -1;
+    connect(m_support.get(), &NativeSupport::hotKeyPressed, m_window.get(),
+            [&] { lossesAtThePress = counter.losses; });
+    // Both at once: the press must not have to wait for the time that a loss takes to settle.
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(m_support->areWeFrontProcess());
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QCOMPARE(lossesAtThePress, 1);
+    QTest::qWait(settledMs);
+    QCOMPARE(counter.events, 1);
+}
+
 void X11SupportTest::aDialogOfAnotherProcessForOurWindowIsOurs()
 {
     const OtherProgram other;
     showInFront();
     XTools::claimActiveWindow(other.window());
-    QVERIFY(!m_support->areWeFrontProcess());
+    QTRY_VERIFY(!m_support->areWeFrontProcess());
     const auto ours = static_cast<xcb_window_t>(m_window->winId());
     xcb_change_property(QtX11::connection(), XCB_PROP_MODE_REPLACE, other.window(),
                         XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &ours);

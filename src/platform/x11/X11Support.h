@@ -10,6 +10,7 @@
 class FrontRequests;
 class FrontWatch;
 class FrontWindow;
+class LateMapping;
 class QCoreApplication;
 class X11Hotkey;
 
@@ -29,6 +30,7 @@ public:
     void restoreCapturedProcess() override;
     void setActivationHotkey(unsigned int virtualKey) override;
     void requestFront(QWindow *window) override;
+    void setActivationToken(const QByteArray &token) override;
 
 private:
     struct Captured {
@@ -43,8 +45,10 @@ private:
 
     std::unique_ptr<FrontWindow> m_front;
     std::optional<Captured> m_captured;
+    std::optional<quint32> m_tokenTime; ///< When the user asked for what comes forward next.
     QPointer<QCoreApplication> m_attachedTo;
     std::unique_ptr<FrontWatch> m_watch;
+    std::unique_ptr<LateMapping> m_lateMapping;
     std::unique_ptr<X11Hotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
 };

@@ -2,13 +2,12 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
-import re
 
+from . import managers
 from .screen import Screen
-from .session import Session
+from .session import Session, key_codes
 from .waiting import wait_for
 
-_MODIFIER_CODES = {"ctrl": 37, "shift": 50, "alt": 64, "altgr": 108}
 
 
 class Desktop(Session):
@@ -16,26 +15,29 @@ class Desktop(Session):
 
     session_type = "x11"
 
-    def __init__(self, width=1280, height=800, window_manager=("openbox",)):
+    def __init__(self, width=1280, height=800, manager=None):
         super().__init__()
-        self._size = f"{width}x{height}x24"
-        self._window_manager = list(window_manager)
-        self.window_manager = None
+        self._width, self._height = width, height
+        self.manager = manager or managers.chosen()
+        self.window_manager = None  # the window manager's process
 
     # What a user's hands do.
 
     def keys(self, *names):
         """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
 
-        One that ends in a key code ('ctrl+61', at least two digits) means the key at that place of
-        the keyboard, whatever the layout makes of it.
+        Or by their place on the keyboard, see key_codes().
         """
         for name in names:
-            if re.fullmatch(r"(\w+\+)*\d\d+", name):
-                self.screen.press_codes(*(_MODIFIER_CODES.get(part) or int(part)
-                                          for part in name.split("+")))
+            codes = key_codes(name)
+            if codes:
+                self.screen.press_codes(*codes)
             else:
                 self._xdotool("key", "--delay", "0", name)
+
+    def press_hotkey(self):
+        """Presses the program's activation hotkey as it is without settings."""
+        self.keys("ctrl+alt+space")
 
     def press(self, *names):
         """Presses keys and holds them."""
@@ -64,7 +66,9 @@ class Desktop(Session):
 
     def park_pointer(self):
         """Takes the pointer out of the way, so that nothing reacts to it."""
-        self._xdotool("mousemove", "1279", "799")
+        if self.manager.focus_follows_pointer:
+            return  # out of the way is in another window
+        self._xdotool("mousemove", str(self._width - 1), str(self._height - 1))
 
     def layout(self, *arguments):
         """Changes the keyboard layout, in setxkbmap's words."""
@@ -75,6 +79,19 @@ class Desktop(Session):
         return self._start_other_program(
             ["xterm", "-title", name, "-geometry", place, "-fa", "DejaVu Sans Mono", "-fs", "9",
              "-e"], name)
+
+    def go_to_second_workspace(self):
+        command = self.manager.second_workspace_command
+        if command:
+            self._tool(*command)
+        else:
+            wait_for(lambda: self.screen.has_workspaces(2), "a second workspace")
+            self.screen.go_to_workspace(1)
+        wait_for(lambda: self.screen.current_workspace() == 1, "the second workspace")
+
+    def go_to_first_workspace(self):
+        self.screen.go_to_workspace(0)
+        wait_for(lambda: self.screen.current_workspace() == 0, "the first workspace")
 
     # Starting the parts.
 
@@ -87,8 +104,10 @@ class Desktop(Session):
     def _start_x_server(self):
         read_end, write_end = os.pipe()
         log = open(os.path.join(self.folder, "xvfb.log"), "wb")
-        self.run(["Xvfb", "-displayfd", str(write_end), "-screen", "0", self._size, "-nolisten",
-                  "tcp", "-noreset"], pass_fds=(write_end,), stdout=log, stderr=log)
+        self.display_server = self.run(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0",
+             f"{self._width}x{self._height}x24", "-nolisten", "tcp", "-noreset"],
+            pass_fds=(write_end,), stdout=log, stderr=log)
         os.close(write_end)
         log.close()
         with os.fdopen(read_end) as answer:
@@ -102,8 +121,12 @@ class Desktop(Session):
         self.park_pointer()
 
     def _start_window_manager(self):
+        for name, text in self.manager.files.items():
+            with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+                file.write(text)
+        command = [part.format(home=self.folder) for part in self.manager.command]
         log = open(os.path.join(self.folder, "window-manager.log"), "wb")
-        self.window_manager = self.run(self._window_manager, stdout=log, stderr=log)
+        self.window_manager = self.run(command, stdout=log, stderr=log)
         log.close()
         wait_for(self.screen.has_window_manager, "the window manager")
 
