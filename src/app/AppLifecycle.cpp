@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppLifecycle.h"
 
+#include "app/DisplayLoss.h"
 #include "app/SplashScreen.h"
 #include "app/TerminationSignals.h"
 #include "app/activation/AppActivationSupport.h"
@@ -271,6 +272,8 @@ void AppLifecycle::connectEndOfSession()
 {
     const auto *signalReceiver = new TerminationSignals(this);
     connect(signalReceiver, &TerminationSignals::received, this, &AppLifecycle::saveAndEnd);
+    const auto *displayLoss = new DisplayLoss(this);
+    connect(displayLoss, &DisplayLoss::lost, this, &AppLifecycle::saveEverything);
     // The session waits for the answer, so this can't be queued.
     connect(
         m_app, &QGuiApplication::commitDataRequest, this,

@@ -9,6 +9,8 @@ AppLifecycle::SplashScreen::SplashScreen(const QPixmap &picture, AppLifecycle *l
     : QSplashScreen(picture)
     , m_lifecycle(lifecycle)
 {
+    // Desktops that arrange the windows themselves would stretch it to a tile.
+    setFixedSize(picture.deviceIndependentSize().toSize());
 }
 
 void AppLifecycle::SplashScreen::mousePressEvent(QMouseEvent *event)

@@ -67,6 +67,21 @@ void FrontRequests::send(QWindow *window)
         return; // the user has dismissed it meanwhile
     m_bringForward(window);
     QWindow *box = modalBox();
-    if (box && box != window)
+    if (box && box != window) {
+        comeForwardAfter(box, window);
         request(box);
+    }
+}
+
+// A window manager needn't know that the box belongs to the window: once the box has been answered,
+// it would give the front to the program that had it before.
+void FrontRequests::comeForwardAfter(QWindow *box, QWindow *window)
+{
+    connect(
+        box, &QWindow::visibleChanged, this,
+        [this, window = QPointer(window)](bool visible) {
+            if (!visible && window && window->isVisible())
+                m_bringForward(window);
+        },
+        Qt::SingleShotConnection);
 }

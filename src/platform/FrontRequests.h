@@ -18,13 +18,15 @@ public:
     /// \a bringForward asks the desktop to put a window that is on the screen in front.
     explicit FrontRequests(std::function<void(QWindow *)> bringForward);
 
-    /// Un-minimises \a window and brings it to the front, and after it the modal box that is open.
+    /// Un-minimises \a window and brings it to the front, and after it the modal box that is open;
+    /// once that has been answered, \a window comes to the front again.
     void request(QWindow *window);
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void waitFor(QWindow *window);
     void send(QWindow *window);
+    void comeForwardAfter(QWindow *box, QWindow *window);
 
     std::function<void(QWindow *)> m_bringForward;
     QList<QPointer<QWindow>> m_waitingFor;

@@ -16,10 +16,8 @@ QList<KeyCommandMap::KeyCombo> KeyLookup::candidates(const QKeyEvent &event,
     // The key pad has no letters to look for, and its digits are not those of the top row's place.
     KeyboardLayout *layout
         = all.testFlag(Qt::KeypadModifier) ? nullptr : KeyboardLayout::ofApplication();
-    const PhysicalKey physicalKey = layout
-        ? layout->physicalKey(event.nativeScanCode(), event.nativeModifiers())
-        : PhysicalKey{};
-    const bool altGr = all.testFlag(Qt::GroupSwitchModifier);
+    const PhysicalKey physicalKey = layout ? layout->physicalKey(event) : PhysicalKey{};
+    const bool altGr = all.testFlag(Qt::GroupSwitchModifier) || physicalKey.altGr;
 
     QList<KeyCommandMap::KeyCombo> combos;
     for (int key : KeyOrder::keys(event.key(), altGr, physicalKey))

@@ -81,10 +81,13 @@ void lendFromOtherKeyboards(Candidates &candidates, bool altGr, const PhysicalKe
         candidates.lend(KeyOrder::usKey(physicalKey.code));
 }
 
-/// Without any Latin layout the places of a US keyboard count, letters too.
+/// Without any Latin layout the places of a US keyboard count, letters too. A letter that comes all
+/// the same is meant: on-screen keyboards make up layouts of a few keys, wherever these stand.
 QList<int> keysByPlace(int toolkitKey, bool altGr, const PhysicalKey &physicalKey)
 {
     Candidates candidates;
+    if (isAsciiLetter(toolkitKey))
+        candidates.add(toolkitKey);
     if (!altGr)
         candidates.add(KeyOrder::usKey(physicalKey.code));
     candidates.add(toolkitKey);

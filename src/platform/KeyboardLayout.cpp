@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/KeyboardLayout.h"
 
-#include "platform/x11/X11KeyboardLayout.h"
-
 #include <QCoreApplication>
+#include <QKeyEvent>
 
 KeyboardLayout *KeyboardLayout::ofApplication()
 {
@@ -13,13 +12,10 @@ KeyboardLayout *KeyboardLayout::ofApplication()
     if (auto *layout
         = application->findChild<KeyboardLayout *>(QString(), Qt::FindDirectChildrenOnly))
         return layout;
-    if (X11KeyboardLayout::isAvailable())
-        return new X11KeyboardLayout(application);
-    return new KeyboardLayout(application);
+    return createForDesktop(application);
 }
 
-PhysicalKey KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)
+PhysicalKey KeyboardLayout::physicalKey(const QKeyEvent &event)
 {
-    Q_UNUSED(nativeModifiers)
-    return PhysicalKey{code, {}, 0};
+    return PhysicalKey{event.nativeScanCode(), {}, 0};
 }

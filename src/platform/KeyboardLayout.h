@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+class QKeyEvent;
+
 /// What the user's keyboard layout puts on the keys. This one knows nothing; desktops that can tell
 /// derive from it. It lives as a child of the application object.
 class KeyboardLayout : public QObject
@@ -17,6 +19,10 @@ public:
 
     using QObject::QObject;
 
-    /// The key that the desktop calls \a code, pressed in the state \a nativeModifiers.
-    virtual PhysicalKey physicalKey(quint32 code, quint32 nativeModifiers);
+    /// The key that was pressed.
+    virtual PhysicalKey physicalKey(const QKeyEvent &event);
+
+private:
+    /// The one for the desktop at hand, as a child of \a parent.
+    static KeyboardLayout *createForDesktop(QObject *parent);
 };

@@ -55,7 +55,15 @@ void Settings::showEvent(QShowEvent *event)
     m_ui->activationMinutesBox->setValue(m_activationSupport->getAutomaticActivationPeriod());
     setHotkey(m_activationSupport->getHotkeyKey(),
               m_activationSupport->getHotkeyNativeVirtualKey());
+    showHotkeyNotice();
     m_ui->checkForUpdatesCheckbox->setChecked(!QSettings().contains(dontCheckForUpdatesKey));
+}
+
+void Settings::showHotkeyNotice()
+{
+    const QString notice = m_activationSupport->getActivationHotkeyNotice();
+    m_ui->hotkeyNoticeLabel->setText(notice);
+    m_ui->hotkeyNoticeLabel->setVisible(!notice.isEmpty());
 }
 
 void Settings::setHotkey(int key, unsigned int nativeKey)

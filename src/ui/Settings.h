@@ -34,6 +34,7 @@ private slots:
 
 private:
     void fillIn();
+    void showHotkeyNotice();
     void setHotkey(int key, unsigned int nativeKey);
 
     std::unique_ptr<Ui_Settings> m_ui;

@@ -7,7 +7,7 @@ import time
 
 from brindle_e2e import datafile
 from brindle_e2e.case import BrindleTestCase, main
-from brindle_e2e.waiting import stays, wait_for
+from brindle_e2e.waiting import stays, wait_for, wait_until_stays
 
 HOTKEY = "ctrl+alt+space"
 SAVE_PROMPT = "Some of your changes have not been saved."
@@ -30,6 +30,34 @@ class ActivationTestCase(BrindleTestCase):
         self.desktop.write(line + "\n")
         wait_for(lambda: self.other.lines()[before:] == [line],
                  lambda: f"{line!r} in the other program, which got {self.other.lines()[before:]}")
+
+    def go_to_second_workspace(self):
+        self.addCleanup(self.desktop.go_to_first_workspace)
+        self.desktop.go_to_second_workspace()
+
+    def open_prompt(self, brindle):
+        """Brings the window back and has it ask about unsaved changes: the box, and its window."""
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Changed")
+        brindle.keys("ctrl+q")
+        box = brindle.wait_for_box(SAVE_PROMPT)
+        window = wait_for(lambda: self.desktop.screen.find(brindle.pid, "Save changes?"), "the box")
+        wait_for(lambda: self.desktop.screen.active_window() == window and box.node.has("active"),
+                 "the box in front")
+        return box, window
+
+    def check_box_comes_forward(self, brindle, box, window):
+        """The hotkey brings the box and its main window, and the box has the keyboard."""
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == window, "the box in front")
+        self.assertFalse(self.desktop.screen.is_minimised(window))
+        wait_for(lambda: brindle.window in self.desktop.screen.windows(), "the main window, too")
+        self.assertFalse(self.desktop.screen.is_minimised(brindle.window))
+        brindle.keys("Escape")
+        wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
+        brindle.wait_until_in_front()
+        brindle.expect_text("Changed")
 
 
 class Hotkey(ActivationTestCase):
@@ -145,6 +173,28 @@ class SteppingBack(ActivationTestCase):
         brindle.bring_back()
         brindle.expect_text("Half a thou")
 
+    def test_a_click_into_another_program_hides_the_window_too(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        x, y, _, height = self.desktop.screen.place(self.other.window)
+        self.desktop.click(x + 5, y + height - 5)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+
+    def test_the_hotkey_right_after_a_click_into_another_program_brings_the_window(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        self.desktop.screen.activate(self.other.window)
+        wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
+        # The program still gives the other one some time to pass by: the press ends that.
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+        brindle.wait_until_in_front()
+        stays(brindle.is_shown, "the main window stays", 1)
+        self.desktop.keys("Escape")
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+
     def test_the_frames_cross_hides_and_ends_nothing(self):
         brindle = self.start_beside()
         brindle.bring_back()
@@ -181,55 +231,93 @@ class SteppingBack(ActivationTestCase):
                 stays(brindle.is_shown, "the main window after the dialog", 1)
                 brindle.wait_until_in_front()
 
-    def test_a_minimised_window_comes_back_by_the_hotkey(self):
-        brindle = self.start_beside()
-        brindle.bring_back()
-        brindle.go("ctrl+l", "First")
-        self.desktop.screen.minimise(brindle.window)
+
+class Minimised(ActivationTestCase):
+    """A manager without icons ignores the wish to be one: then the window simply stays as it is."""
+
+    def minimise(self, window, possible):
+        self.desktop.screen.minimise(window)
+        if possible:
+            wait_for(lambda: self.desktop.screen.is_minimised(window), "the window minimised")
+        else:
+            stays(lambda: not self.desktop.screen.is_minimised(window), "not minimised", 1)
+
+    def go_to_the_other_program(self, brindle):
         self.desktop.screen.activate(self.other.window)
         wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
         wait_for(lambda: not brindle.is_shown(), "the main window out of sight")
         brindle.wait_until_hidden()
+
+    def test_the_main_window_comes_back_by_the_hotkey(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        self.minimise(brindle.window, self.desktop.manager.minimises)
+        self.go_to_the_other_program(brindle)
         self.desktop.keys(HOTKEY)
         wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
         self.assertFalse(self.desktop.screen.is_minimised(brindle.window))
         self.desktop.write("!")
         brindle.expect_text("First!")
 
+    def start_with_prompt(self):
+        brindle = self.start_beside()
+        return (brindle, *self.open_prompt(brindle))
+
+    def test_a_box_that_was_minimised_alone_comes_forward_with_the_main_window(self):
+        brindle, box, window = self.start_with_prompt()
+        self.minimise(window, self.desktop.manager.minimises_boxes)
+        self.go_to_the_other_program(brindle)
+        self.check_box_comes_forward(brindle, box, window)
+
+    def test_a_box_that_was_minimised_with_the_main_window_comes_forward_too(self):
+        brindle, box, window = self.start_with_prompt()
+        self.minimise(brindle.window, self.desktop.manager.minimises)
+        self.go_to_the_other_program(brindle)
+        self.check_box_comes_forward(brindle, box, window)
+
 
 class BoxesInTheWay(ActivationTestCase):
-    def start_with_prompt_behind_the_other_program(self, minimised):
+    def test_an_open_box_comes_forward_with_the_main_window(self):
         brindle = self.start_beside()
-        brindle.bring_back()
-        brindle.go("ctrl+l", "First")
-        brindle.write_entry("Changed")
-        brindle.keys("ctrl+q")
-        box = brindle.wait_for_box(SAVE_PROMPT)
-        window = wait_for(lambda: self.desktop.screen.find(brindle.pid, "Save changes?"), "the box")
-        if minimised:
-            self.desktop.screen.minimise(window)
-            wait_for(lambda: self.desktop.screen.is_minimised(window), "the box minimised")
+        box, window = self.open_prompt(brindle)
         self.desktop.screen.activate(self.other.window)
         wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
         brindle.wait_until_hidden()
-        return brindle, box, window
+        self.check_box_comes_forward(brindle, box, window)
 
-    def check_box_comes_forward(self, minimised):
-        brindle, box, window = self.start_with_prompt_behind_the_other_program(minimised)
-        self.desktop.keys(HOTKEY)
-        wait_for(lambda: self.desktop.screen.active_window() == window, "the box in front")
-        self.assertFalse(self.desktop.screen.is_minimised(window))
-        wait_for(lambda: brindle.window in self.desktop.screen.windows(), "the main window, too")
+    def test_one_that_is_on_another_workspace_comes_to_the_one_in_sight(self):
+        brindle = self.start_beside()
+        box, window = self.open_prompt(brindle)
+        self.go_to_second_workspace()
+        brindle.wait_until_hidden()
+        self.check_box_comes_forward(brindle, box, window)
+        self.assertEqual(self.desktop.screen.current_workspace(), 1)
+        for ours in (brindle.window, window):
+            self.assertEqual(self.desktop.screen.workspace(ours), 1)
         brindle.keys("Escape")
-        wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
-        brindle.wait_until_in_front()
-        brindle.expect_text("Changed")
+        brindle.wait_until_hidden()
+        self.assertEqual(self.desktop.screen.current_workspace(), 1)
 
-    def test_an_open_box_comes_forward_with_the_main_window(self):
-        self.check_box_comes_forward(minimised=False)
 
-    def test_a_minimised_box_comes_forward_with_the_main_window(self):
-        self.check_box_comes_forward(minimised=True)
+class Workspaces(ActivationTestCase):
+    def test_the_window_comes_to_the_workspace_in_sight_and_leaves_when_the_user_does(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        self.go_to_second_workspace()
+        brindle.wait_until_hidden()
+        other = self.other_program("on-the-second")
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+        self.assertEqual(self.desktop.screen.workspace(brindle.window), 1)
+        self.assertEqual(self.desktop.screen.current_workspace(), 1)
+        self.desktop.write("!")
+        brindle.expect_text("First!")
+        self.desktop.keys("Escape")
+        brindle.wait_until_hidden()
+        wait_for(lambda: self.desktop.screen.active_window() == other.window, "the one over there")
+        self.assertEqual(self.desktop.screen.current_workspace(), 1)
 
 
 class Confirmation(ActivationTestCase):
@@ -246,8 +334,10 @@ class Confirmation(ActivationTestCase):
             self.assertGreater(time.monotonic() - started, 8)
         finally:
             manager.send_signal(signal.SIGCONT)
-        stays(lambda: self.desktop.screen.active_window() == self.other.window,
-              "the other program stays in front", 2)
+        # It now does what it was asked for meanwhile: it shows the window, and takes it away again.
+        wait_until_stays(lambda: self.desktop.screen.windows() == [self.other.window]
+                         and self.desktop.screen.active_window() == self.other.window,
+                         "the other program alone, and in front", 2)
         self.other_has_keyboard("still here")
         # One press brings the window: the program knows that it is not in front.
         brindle.bring_back()

@@ -5,7 +5,7 @@ from brindle_e2e import datafile
 from brindle_e2e.case import main
 from brindle_e2e.datafile import Entry
 from brindle_e2e.waiting import stays, wait_for_value
-from brindle_e2e.windows import (TODO_LIST, Window, WindowsTestCase, drag, put_on_list,
+from brindle_e2e.windows import (TODO_LIST, Window, WindowsTestCase, put_on_list,
                                  todo_list)
 
 ROWS = ["Bread", "Cheese", "Tea", "Salt", "Rice"]
@@ -112,7 +112,7 @@ class Dragging(TodoListTestCase):
         todo = self.open_list(brindle)
         x, y, width, height = todo.items()[-1].extents
         first = todo.items()[0].extents
-        drag(self.desktop, (first[0] + 20, first[1] + first[3] // 2), (x + 40, y + height + 20))
+        self.desktop.drag((first[0] + 20, first[1] + first[3] // 2), (x + 40, y + height + 20))
         stays(lambda: sorted(todo.rows()) == sorted(ROWS), "each row once", 0.5)
         self.assertEqual(todo.selected(), ["Bread"])
 

@@ -33,6 +33,7 @@ public:
         hotkeys.append(virtualKey);
         calls.append(QStringLiteral("hotkey"));
     }
+    QString getActivationHotkeyNotice() override { return hotkeyNotice; }
     void requestFront(QWindow *window) override { frontRequests.append(window); }
     void setActivationToken(const QByteArray &token) override
     {
@@ -43,6 +44,7 @@ public:
     void pressHotkey() { emit hotKeyPressed(); }
 
     bool areWeFront = true; ///< What areWeFrontProcess() answers.
+    QString hotkeyNotice; ///< What getActivationHotkeyNotice() answers.
     int frontQuestions = 0;
     int captures = 0;
     int restores = 0;

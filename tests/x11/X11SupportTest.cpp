@@ -89,6 +89,9 @@ private slots:
     void requestFrontBringsTheModalBoxForwardToo();
     void losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing();
     void aMomentWithoutAnyActiveWindowIsNoLoss();
+    void anotherWindowInFrontForAMomentIsNoLoss();
+    void theToolkitsOwnWordOfALossWaitsUntilItHasSettled();
+    void theHotkeyEndsTheWaitForALossToSettle();
     void aDialogOfAnotherProcessForOurWindowIsOurs();
     void ourOwnDialogsNeverLoseTheFront();
 
@@ -294,7 +297,7 @@ void X11SupportTest::restoringTwiceBringsTheOtherProgramForwardTwice()
         QVERIFY(m_support->areWeFrontProcess());
         m_support->restoreCapturedProcess();
         QTRY_COMPARE(XTools::activeWindow(), other.window());
-        QVERIFY(!m_support->areWeFrontProcess());
+        QTRY_VERIFY(!m_support->areWeFrontProcess());
     }
 }
 
@@ -443,12 +446,56 @@ void X11SupportTest::aMomentWithoutAnyActiveWindowIsNoLoss()
     QVERIFY(m_support->areWeFrontProcess());
 }
 
+void X11SupportTest::anotherWindowInFrontForAMomentIsNoLoss()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(m_support->areWeFrontProcess());
+    XTools::claimActiveWindow(static_cast<xcb_window_t>(m_window->winId()));
+    QTest::qWait(2 * settledMs);
+    QCOMPARE(counter.events, 0);
+    QVERIFY(m_support->areWeFrontProcess());
+}
+
+void X11SupportTest::theToolkitsOwnWordOfALossWaitsUntilItHasSettled()
+{
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    QVERIFY(!XTools::run(u"xdotool"_s, {u"windowactivate"_s, QString::number(other.window())})
+                 .isNull());
+    QTRY_COMPARE(counter.losses, 1);
+    QTest::qWait(settledMs);
+    QCOMPARE(counter.events, 2); // the toolkit's, at once, and ours
+}
+
+void X11SupportTest::theHotkeyEndsTheWaitForALossToSettle()
+{
+    m_support->setActivationHotkey(space);
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    qsizetype lossesAtThePress = -1;
+    connect(m_support.get(), &NativeSupport::hotKeyPressed, m_window.get(),
+            [&] { lossesAtThePress = counter.losses; });
+    // Both at once: the press must not have to wait for the time that a loss takes to settle.
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(m_support->areWeFrontProcess());
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QCOMPARE(lossesAtThePress, 1);
+    QTest::qWait(settledMs);
+    QCOMPARE(counter.events, 1);
+}
+
 void X11SupportTest::aDialogOfAnotherProcessForOurWindowIsOurs()
 {
     const OtherProgram other;
     showInFront();
     XTools::claimActiveWindow(other.window());
-    QVERIFY(!m_support->areWeFrontProcess());
+    QTRY_VERIFY(!m_support->areWeFrontProcess());
     const auto ours = static_cast<xcb_window_t>(m_window->winId());
     xcb_change_property(QtX11::connection(), XCB_PROP_MODE_REPLACE, other.window(),
                         XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 32, 1, &ours);

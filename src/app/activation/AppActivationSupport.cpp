@@ -124,6 +124,11 @@ QString AppActivationSupport::getActivationHotkeyPrefix() const
     return m_nativeSupport->getActivationHotkeyPrefix();
 }
 
+QString AppActivationSupport::getActivationHotkeyNotice() const
+{
+    return m_nativeSupport->getActivationHotkeyNotice();
+}
+
 void AppActivationSupport::requestFront(QWindow *window)
 {
     m_nativeSupport->requestFront(window);

@@ -71,6 +71,8 @@ public:
 
     void installHotkey();
     QString getActivationHotkeyPrefix() const;
+    /// What the user should know about the hotkey; see NativeSupport.
+    QString getActivationHotkeyNotice() const;
 
     /// Asks the desktop to bring \a window to the front; see NativeSupport::requestFront().
     void requestFront(QWindow *window);

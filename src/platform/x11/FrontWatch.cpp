@@ -6,6 +6,7 @@
 #include "platform/x11/XcbReply.h"
 
 #include <QApplication>
+#include <QWidget>
 #include <QWindow>
 #include <unistd.h>
 
@@ -20,11 +21,17 @@ bool isWindowOfToolkit(quint32 window)
     });
 }
 
-/// With no window in front at all, our own state decides: a box that opens or closes.
-bool toolkitSaysActive()
+/// With no window in front at all, our own state decides: a box that opens or closes. A box that
+/// the user has left behind on another workspace doesn't count.
+bool toolkitSaysActive(FrontWindow &front)
 {
-    return QGuiApplication::applicationState() == Qt::ApplicationActive
-        || QApplication::activeModalWidget();
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive)
+        return true;
+    const QWidget *box = QApplication::activeModalWidget();
+    const QWindow *window = box ? box->window()->windowHandle() : nullptr;
+    return box
+        && !(window && window->handle()
+             && front.isOnAnotherWorkspace(static_cast<quint32>(window->winId())));
 }
 
 } // namespace
@@ -68,13 +75,10 @@ bool FrontWatch::isOurs(FrontWindow &front, quint32 window)
 bool FrontWatch::areWeInFront()
 {
     const xcb_window_t window = m_front.active();
-    if (window != FrontWindow::noWindow) {
-        const bool ours = isOurs(m_front, window);
-        m_wereInFront = m_wereInFront || ours;
-        return ours;
-    }
-    if (toolkitSaysActive())
+    if (window != FrontWindow::noWindow ? isOurs(m_front, window) : toolkitSaysActive(m_front)) {
+        m_wereInFront = m_wereInFront || window != FrontWindow::noWindow;
         return true;
+    }
     if (m_wereInFront && !m_settling.isActive())
         m_settling.start(); // perhaps only for a moment: the answer is due a little later
     return m_wereInFront;
@@ -84,6 +88,14 @@ void FrontWatch::expectToComeForward()
 {
     m_settling.stop();
     m_wereInFront = isOurs(m_front, m_front.active());
+}
+
+void FrontWatch::settleNow()
+{
+    if (m_settling.isActive() && isLost()) {
+        QEvent event(QEvent::ApplicationDeactivate);
+        QCoreApplication::sendEvent(qApp, &event);
+    }
 }
 
 void FrontWatch::frontChanged()
@@ -99,10 +111,17 @@ void FrontWatch::frontChanged()
 
 void FrontWatch::frontSettled()
 {
+    if (isLost())
+        QCoreApplication::postEvent(qApp, new QEvent(QEvent::ApplicationDeactivate));
+}
+
+/// Whether another program is in front, without any further patience.
+bool FrontWatch::isLost()
+{
+    m_settling.stop();
     m_wereInFront = false;
     m_wereInFront = areWeInFront();
-    if (!m_wereInFront)
-        QCoreApplication::postEvent(qApp, new QEvent(QEvent::ApplicationDeactivate));
+    return !m_wereInFront;
 }
 
 bool FrontWatch::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result)

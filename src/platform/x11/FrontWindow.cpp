@@ -6,6 +6,9 @@
 namespace
 {
 
+/// What _NET_WM_DESKTOP holds for a window that is on every workspace.
+constexpr quint32 onAllWorkspaces = 0xffffffff;
+
 /// The root window of \a screen.
 xcb_window_t rootOf(xcb_connection_t *connection, int screen)
 {
@@ -80,6 +83,33 @@ void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
     xcb_ewmh_request_change_active_window(&m_ewmh, m_screen, window,
                                           XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER, time, noWindow);
     xcb_flush(m_connection.get());
+}
+
+std::optional<quint32> FrontWindow::workspaceInSight()
+{
+    quint32 workspace = 0;
+    const auto cookie = xcb_ewmh_get_current_desktop(&m_ewmh, m_screen);
+    const bool known
+        = xcb_ewmh_get_current_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
+    return known ? std::optional(workspace) : std::nullopt;
+}
+
+bool FrontWindow::isOnAnotherWorkspace(xcb_window_t window)
+{
+    quint32 workspace = 0;
+    const auto cookie = xcb_ewmh_get_wm_desktop(&m_ewmh, window);
+    const bool known = xcb_ewmh_get_wm_desktop_reply(&m_ewmh, cookie, &workspace, nullptr) != 0;
+    return known && workspace != onAllWorkspaces
+        && workspaceInSight().value_or(workspace) != workspace;
+}
+
+void FrontWindow::bringToWorkspaceInSight(xcb_window_t window)
+{
+    const std::optional<quint32> workspace = workspaceInSight();
+    if (workspace && isOnAnotherWorkspace(window)) {
+        xcb_ewmh_request_change_wm_desktop(&m_ewmh, m_screen, window, *workspace,
+                                           XCB_EWMH_CLIENT_SOURCE_TYPE_OTHER);
+    }
 }
 
 xcb_window_t FrontWindow::clockWindow()

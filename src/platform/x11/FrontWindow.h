@@ -36,6 +36,13 @@ public:
     /// would: window managers don't refuse that as stealing the focus.
     void bringForward(xcb_window_t window, xcb_timestamp_t time);
 
+    /// Whether \a window is on a workspace that the user doesn't look at.
+    bool isOnAnotherWorkspace(xcb_window_t window);
+
+    /// Moves \a window to the workspace that the user looks at: going to a window's own workspace
+    /// instead would take the user away from where the program was called.
+    void bringToWorkspaceInSight(xcb_window_t window);
+
     /// The X server's present time stamp.
     xcb_timestamp_t serverTime();
 
@@ -48,6 +55,7 @@ private:
     FrontWindow(Connection connection, int screen);
 
     void forgetEvents();
+    std::optional<quint32> workspaceInSight();
     xcb_window_t clockWindow();
 
     Connection m_connection;

@@ -6,6 +6,7 @@
 #include "platform/x11/QtX11.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <xkbcommon/xkbcommon-x11.h>
 
 namespace
@@ -44,7 +45,7 @@ X11KeyboardLayout::X11KeyboardLayout(QObject *application)
 
 X11KeyboardLayout::~X11KeyboardLayout() = default;
 
-PhysicalKey X11KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers)
+PhysicalKey X11KeyboardLayout::physicalKey(const QKeyEvent &event)
 {
     if (!m_reader) {
         xcb_connection_t *connection = QtX11::connection();
@@ -53,7 +54,7 @@ PhysicalKey X11KeyboardLayout::physicalKey(quint32 code, quint32 nativeModifiers
             qCDebug(platformLog) << "the X server does not tell its keyboard layout";
         m_reader.emplace(keymap);
     }
-    return m_reader->physicalKey(code, groupOfState(nativeModifiers));
+    return m_reader->physicalKey(event.nativeScanCode(), groupOfState(event.nativeModifiers()));
 }
 
 bool X11KeyboardLayout::nativeEventFilter(const QByteArray &eventType, void *message,

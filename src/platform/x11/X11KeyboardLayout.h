@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/KeyboardLayout.h"
-#include "platform/x11/XkbKeymapReader.h"
+#include "platform/XkbKeymapReader.h"
 
 #include <QAbstractNativeEventFilter>
 #include <optional>
@@ -19,7 +19,7 @@ public:
     explicit X11KeyboardLayout(QObject *application);
     ~X11KeyboardLayout() override;
 
-    PhysicalKey physicalKey(quint32 code, quint32 nativeModifiers) override;
+    PhysicalKey physicalKey(const QKeyEvent &event) override;
 
 private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;

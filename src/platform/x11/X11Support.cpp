@@ -5,6 +5,7 @@
 #include "platform/PlatformLog.h"
 #include "platform/x11/FrontWatch.h"
 #include "platform/x11/FrontWindow.h"
+#include "platform/x11/LateMapping.h"
 #include "platform/x11/QtX11.h"
 #include "platform/x11/X11Hotkey.h"
 
@@ -52,9 +53,11 @@ bool X11Support::attach()
         return false;
     m_attachedTo = application;
     m_watch = std::make_unique<FrontWatch>(*m_front);
+    m_lateMapping = std::make_unique<LateMapping>();
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
+        m_watch->settleNow();
         m_watch->expectToComeForward();
         emit hotKeyPressed();
     });
@@ -109,6 +112,7 @@ void X11Support::bringForward(const QWindow *window)
     std::optional<quint32> time = std::exchange(m_tokenTime, std::nullopt);
     if (const std::optional<quint32> pressTime = m_hotkey->freshPressTime())
         time = pressTime;
+    m_front->bringToWorkspaceInSight(static_cast<quint32>(window->winId()));
     m_front->bringForward(static_cast<quint32>(window->winId()),
                           time ? *time : m_front->serverTime());
 }

@@ -10,6 +10,7 @@
 class FrontRequests;
 class FrontWatch;
 class FrontWindow;
+class LateMapping;
 class QCoreApplication;
 class X11Hotkey;
 
@@ -47,6 +48,7 @@ private:
     std::optional<quint32> m_tokenTime; ///< When the user asked for what comes forward next.
     QPointer<QCoreApplication> m_attachedTo;
     std::unique_ptr<FrontWatch> m_watch;
+    std::unique_ptr<LateMapping> m_lateMapping;
     std::unique_ptr<X11Hotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
 };

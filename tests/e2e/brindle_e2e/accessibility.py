@@ -18,12 +18,12 @@ class Bus:
     """The accessibility bus of one desktop."""
 
     def __init__(self, session_bus_address):
-        session = _connect(session_bus_address)
+        session = connect(session_bus_address)
         address = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress",
                                     None, None, Gio.DBusCallFlags.NONE, 10000, None).unpack()[0]
         session.close_sync(None)
         self.address = address
-        self._connection = _connect(address)
+        self._connection = connect(address)
 
     def close(self):
         try:
@@ -160,7 +160,8 @@ class Node:
         return value[0]
 
 
-def _connect(address):
+def connect(address):
+    """A connection to the message bus at an address."""
     flags = (Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
              | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
     return Gio.DBusConnection.new_for_address_sync(address, flags, None, None)

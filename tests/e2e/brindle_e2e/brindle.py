@@ -110,13 +110,23 @@ class Brindle:
         self.wait_until_in_front()
 
     def wait_until_in_front(self, timeout=None):
-        wait_for(lambda: self.desktop.screen.active_window() == self.window and self.has_keyboard(),
+        wait_for(lambda: self.has_front() and self.has_keyboard(),
                  "the main window in front, with the keyboard", timeout)
 
+    def has_front(self):
+        """Whether the main window is the one in front, in the desktop's eyes."""
+        return self.is_on_the_screen() and self.desktop.screen.active_window() == self.window
+
+    def is_on_the_screen(self):
+        """Whether the desktop has the main window; it knows, also while the program is busy."""
+        if not self.desktop.screen.is_managed(self.window):
+            # Not every desktop knows a window again that was hidden.
+            self.window = self.desktop.screen.shown_again(self.window, self.pid)
+        return self.desktop.screen.is_managed(self.window)
+
     def wait_until_hidden(self, timeout=None):
-        # The window manager knows, also while the program is too busy to answer.
         def hidden():
-            return self.window not in self.desktop.screen.windows()
+            return not self.is_on_the_screen()
 
         wait_for(hidden, "the main window hidden", timeout)
         # Nobody's hands are quicker than this; what happens to quicker ones has a test of its own.
@@ -160,7 +170,7 @@ class Brindle:
         self.wait_until_hidden()
 
     def bring_back(self):
-        self.keys("ctrl+alt+space")
+        self.desktop.press_hotkey()
         wait_for(self.is_shown, "the main window after the hotkey")
         self.wait_until_in_front()
 
@@ -171,8 +181,8 @@ class Brindle:
 
     def click_button(self, name):
         """Clicks the middle of a button of the main window with the mouse."""
-        x, y, width, height = wait_for(lambda: self.button(name), f"the button {name!r}").extents
-        self.desktop.click(x + width // 2, y + height // 2)
+        button = wait_for(lambda: self.button(name), f"the button {name!r}")
+        self.desktop.click(*self._middle(self.window, self._main_node(), button))
 
     # What a user sees.
 
@@ -274,8 +284,7 @@ class Brindle:
         window = wait_for(lambda: self._find_window(box.node), "the message box's frame")
         self.desktop.screen.activate(window)
         wait_for(lambda: self.desktop.screen.active_window() == window, "the message box in front")
-        x, y, width, height = node.extents
-        self.desktop.click(x + width // 2, y + height // 2)
+        self.desktop.click(*self._middle(window, box.node, node))
         wait_for(lambda: not box.node.has("showing"), f"the message box gone after {button}")
 
     def stays_running(self, seconds=1.0):
@@ -291,10 +300,10 @@ class Brindle:
 
     def colour_of_state_bar(self, whose="Current entry"):
         """The colour of a state bar as it is on the screen."""
-        bar = next(part for part in self._main_node().shown()
+        node = self._main_node()
+        bar = next(part for part in node.shown()
                    if part.name.startswith("State: ") and part.description == whose)
-        x, y, width, height = bar.extents
-        return self.desktop.screen.colour_at(x + width // 2, y + height // 2)
+        return self.desktop.screen.colour_at(*self._middle(self.window, node, bar))
 
     # What the program says in its debug output.
 
@@ -339,17 +348,20 @@ class Brindle:
         return None
 
     def _find_window(self, node):
-        """The X window that shows this node: same process, same place, or at least same title."""
+        """The window that shows this node: same process, same place, or at least same title."""
         windows = self.desktop.screen.windows_of(self.pid)
-        place = tuple(node.extents)
         # A message box can have the title of the dialog below it, or the program's name.
         for window_id in windows:
-            if self.desktop.screen.place(window_id) == place:
+            if self.desktop.screen.shows(window_id, node):
                 return window_id
         for window_id in windows:
             if self.desktop.screen.title(window_id) == node.name:
                 return window_id
         return None
+
+    def _middle(self, window, window_node, node):
+        x, y, width, height = self.desktop.screen.spot(window, window_node, node)
+        return x + width // 2, y + height // 2
 
     @staticmethod
     def _editor(node):

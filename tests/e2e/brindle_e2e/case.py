@@ -29,8 +29,13 @@ class BrindleTestCase(unittest.TestCase):
     def setUpClass(cls):
         if not os.access(PROGRAM, os.X_OK):
             raise RuntimeError(f"there is no program to test at {PROGRAM}")
-        cls.desktop = Desktop().start()
+        cls.desktop = cls.make_desktop().start()
         cls.addClassCleanup(cls.desktop.stop)
+
+    @classmethod
+    def make_desktop(cls):
+        """The desktop that the tests of a class share."""
+        return Desktop()
 
     def __init__(self, method_name="runTest"):
         super().__init__(method_name)
@@ -102,16 +107,20 @@ class BrindleTestCase(unittest.TestCase):
         folder = os.path.join(ARTIFACTS, "".join(c if c.isalnum() or c in "-_." else "_" for c in name))
         shutil.rmtree(folder, ignore_errors=True)
         os.makedirs(folder)
-        self.desktop.picture(os.path.join(folder, "screen.png"))
+        for name in os.listdir(self.desktop.folder):
+            if name.endswith(".log"):
+                shutil.copy(os.path.join(self.desktop.folder, name), folder)
+        try:
+            self.desktop.picture(os.path.join(folder, "screen.png"))
+        except Exception as error:  # a desktop that is gone must not hide how it went
+            print(f"no picture of the screen: {error}", flush=True)
         shutil.copytree(self.home.folder, os.path.join(folder, "home"), symlinks=True,
-                        ignore=shutil.ignore_patterns("runtime", "cache"),
+                        ignore=shutil.ignore_patterns("runtime", "cache", "example.*"),
                         ignore_dangling_symlinks=True)
         for index, brindle in enumerate(self.programs):
             with open(os.path.join(folder, f"tree-{index}.txt"), "w", encoding="utf-8") as file:
                 file.write(brindle.report())
         print(f"evidence of the failure is in {folder}", flush=True)
-
-
 
 
 def main():

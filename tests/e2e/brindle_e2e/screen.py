@@ -85,12 +85,53 @@ class Screen:
         except error.XError:
             return None
 
+    @staticmethod
+    def shown_again(window_id, _pid):
+        """The id that a window of the program has when it is shown again: the same."""
+        return window_id
+
+    def shows(self, window_id, node):
+        """Whether a window is that of a node on the accessibility bus."""
+        return self.place(window_id) == tuple(node.extents)
+
+    @staticmethod
+    def spot(_window_id, _window_node, node):
+        """The place of a part on the screen. Programs know it here; not every desktop tells them."""
+        return tuple(node.extents)
+
     def is_minimised(self, window_id):
         try:
             state = self._window(window_id).get_wm_state()
         except error.XError:
             return False
         return bool(state) and state.state == Xutil.IconicState
+
+    def is_managed(self, window_id):
+        """Whether the window manager looks after the window, be it in sight or not."""
+        if window_id not in self.windows():
+            return False
+        try:
+            state = self._window(window_id).get_wm_state()
+        except error.XError:
+            return False
+        # Not every manager strikes a window off its list at once.
+        return bool(state) and state.state != Xutil.WithdrawnState
+
+    def current_workspace(self):
+        """Number of the workspace that is in sight, from 0."""
+        return self._property(self._root, "_NET_CURRENT_DESKTOP")[0]
+
+    def workspace(self, window_id):
+        """Number of the workspace that a window is on; 0xffffffff when on all."""
+        value = self._property(self._window(window_id), "_NET_WM_DESKTOP")
+        return value[0] if value else None
+
+    def go_to_workspace(self, number):
+        self._client_message(self._root.id, "_NET_CURRENT_DESKTOP", [number, 0, 0, 0, 0])
+
+    def has_workspaces(self, number):
+        value = self._property(self._root, "_NET_NUMBER_OF_DESKTOPS")
+        return bool(value) and value[0] >= number
 
     def owner_of_keyboard(self):
         """Id of the window that has the input focus."""

@@ -36,6 +36,20 @@ def wait_for_value(read, wanted, what, timeout=None):
     wait_for(matches, lambda: f"{what}: wanted {wanted!r}, was {last[0]!r}", timeout)
 
 
+def wait_until_stays(condition, what, seconds):
+    """Waits until condition() has been true for the given time without a break."""
+    since = [None]
+
+    def held():
+        if not condition():
+            since[0] = None
+        elif since[0] is None:
+            since[0] = time.monotonic()
+        return since[0] is not None and time.monotonic() - since[0] >= seconds
+
+    wait_for(held, what)
+
+
 def stays(condition, what, seconds):
     """Fails as soon as condition() is not true within the given time."""
     end = time.monotonic() + seconds

@@ -3,7 +3,6 @@
 
 import os
 import sqlite3
-import subprocess
 from contextlib import closing
 
 from .case import BrindleTestCase
@@ -59,7 +58,7 @@ class Window:
         return wait_for(find, lambda: f"{role} {name!r} in {self.title!r}: {self.node.dump()}")
 
     def click(self, part):
-        x, y, width, height = part.extents
+        x, y, width, height = self._spot(part)
         self._desktop.click(x + width // 2, y + height // 2)
 
     def press_button(self, name):
@@ -87,13 +86,16 @@ class Window:
     def drag(self, text, target, where):
         """Drags a row with the mouse: to the upper edge, middle or lower edge of the target row."""
         def extents(wanted):
-            return next(item.extents for item in self.items() if item.name == wanted)
+            return self._spot(next(item for item in self.items() if item.name == wanted))
 
         x, y, width, height = extents(text)
         start = (x + 20, y + height // 2)
         x, y, width, height = extents(target)
         end = (x + 40, {"above": y + 1, "on": y + height // 2, "below": y + height - 1}[where])
-        drag(self._desktop, start, end)
+        self._desktop.drag(start, end)
+
+    def _spot(self, part):
+        return self._desktop.screen.spot(self.id, self.node, part)
 
 
 class WindowsTestCase(BrindleTestCase):
@@ -123,20 +125,6 @@ class WindowsTestCase(BrindleTestCase):
         folder = os.environ.get("BRINDLE_E2E_PICTURES")
         if folder:
             self.desktop.picture(os.path.join(folder, f"{name}.png"))
-
-
-def drag(desktop, start, end):
-    """Drags with the left button, in the small steps of a hand."""
-    steps = 8
-    command = ["xdotool", "mousemove", *map(str, start), "sleep", "0.1", "mousedown", "1"]
-    for step in range(1, steps + 1):
-        command += ["sleep", "0.05", "mousemove",
-                    *(str(a + (b - a) * step // steps) for a, b in zip(start, end))]
-    # A drop counts where the pointer rests, a pixel further on.
-    command += ["sleep", "0.05", "mousemove_relative", "1", "0", "sleep", "0.15", "mouseup", "1"]
-    subprocess.run(command, env=desktop.env, check=True, timeout=60, stdin=subprocess.DEVNULL,
-                   stdout=subprocess.DEVNULL)
-    desktop.park_pointer()
 
 
 def put_on_list(path, *texts):

@@ -31,9 +31,9 @@ public:
     {
     }
 
-    PhysicalKey physicalKey(quint32 code, quint32 nativeModifiers) override
+    PhysicalKey physicalKey(const QKeyEvent &event) override
     {
-        Q_UNUSED(nativeModifiers)
+        const quint32 code = event.nativeScanCode();
         return code == m_key.code ? m_key : PhysicalKey{code, {}, 0};
     }
 

@@ -63,6 +63,7 @@ private slots:
     void russianSlashBesideUsIsNotPeriod();
     void russianAloneIsReadByPlace();
     void russianAloneSlashIsNotPeriod();
+    void latinLettersOfAMadeUpLayoutAreMeantWhereverTheyStand();
     void russianBesideFrenchIsReadAsFrench();
     void twoLatinLayoutsLendNoLettersToEachOther();
     void aSymbolOfAnotherLatinLayoutCountsAfterTheActiveOne();
@@ -196,6 +197,13 @@ void KeyOrderTest::russianAloneSlashIsNotPeriod()
 {
     const PhysicalKey key{usSlash, {cyrillic({Qt::Key_Period, Qt::Key_Comma})}, 0};
     QCOMPARE(KeyOrder::keys(Qt::Key_Period, false, key), (Keys{Qt::Key_Slash, Qt::Key_Period}));
+}
+
+void KeyOrderTest::latinLettersOfAMadeUpLayoutAreMeantWhereverTheyStand()
+{
+    // An on-screen keyboard that has made keys for what it types just now.
+    const PhysicalKey key{usQ, {Group{false, {Qt::Key_K, 0, 0, 0}}}, 0};
+    QCOMPARE(KeyOrder::keys(Qt::Key_K, false, key).first(), int(Qt::Key_K));
 }
 
 void KeyOrderTest::russianBesideFrenchIsReadAsFrench()

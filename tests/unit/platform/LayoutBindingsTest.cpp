@@ -3,7 +3,7 @@
 // server does, so that no server is needed.
 #include "model/GlobalKeyMap.h"
 #include "platform/KeyOrder.h"
-#include "platform/x11/XkbKeymapReader.h"
+#include "platform/XkbKeymapReader.h"
 
 #include <QtTest>
 #include <xkbcommon/xkbcommon.h>
@@ -187,6 +187,7 @@ private slots:
     void pressesMeanTheseCommands();
     void scriptsAreToldApart_data();
     void scriptsAreToldApart();
+    void groupIsKnownByWhatTheToolkitMadeOfThePress();
 };
 
 void LayoutBindingsTest::allBindingsAreReachable()
@@ -338,6 +339,19 @@ void LayoutBindingsTest::scriptsAreToldApart()
     const PhysicalKey key = reader.physicalKey(38, 0);
     QCOMPARE(key.groups.size(), 1);
     QCOMPARE(key.groups[0].latin, latin);
+}
+
+void LayoutBindingsTest::groupIsKnownByWhatTheToolkitMadeOfThePress()
+{
+    constexpr quint32 usK = 45;
+    constexpr quint32 usSlash = 61;
+    constexpr int cyrillicEl = 0x41b;
+    const XkbKeymapReader reader(compile(u"us,ru"_s));
+    QCOMPARE(reader.groupOf(usK, Qt::Key_K), 0);
+    QCOMPARE(reader.groupOf(usK, cyrillicEl), 1);
+    QCOMPARE(reader.groupOf(usSlash, Qt::Key_Question), 0);
+    QCOMPARE(reader.groupOf(usSlash, Qt::Key_Period), 1);
+    QCOMPARE(reader.groupOf(usSlash, Qt::Key_F1), 0);
 }
 
 QTEST_GUILESS_MAIN(LayoutBindingsTest)

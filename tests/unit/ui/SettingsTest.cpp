@@ -100,6 +100,7 @@ private slots:
     void hidingIsAnnounced();
     void titleAndPrefixSurviveAChangeOfTheLanguage();
     void itsSizeIsFixed();
+    void aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot();
 };
 
 void SettingsTest::showsTheDefaultsOfEmptySettings()
@@ -438,6 +439,22 @@ void SettingsTest::itsSizeIsFixed()
     desk.show();
     QCOMPARE(desk.dialog.size(), desk.dialog.sizeHint());
     QCOMPARE(desk.dialog.minimumSize(), desk.dialog.maximumSize());
+}
+
+void SettingsTest::aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot()
+{
+    SettingsDesk desk;
+    desk.native.hotkeyNotice = u"There is no hotkey here. <b>Use</b> something else instead."_s;
+    desk.show();
+    auto *notice = desk.child<QLabel>(u"hotkeyNoticeLabel"_s);
+    QVERIFY(notice->isVisible());
+    QCOMPARE(notice->text(), desk.native.hotkeyNotice);
+    QCOMPARE(notice->textFormat(), Qt::PlainText);
+    QVERIFY(notice->height() >= notice->heightForWidth(notice->width()));
+    desk.dialog.hide();
+    desk.native.hotkeyNotice.clear();
+    desk.show();
+    QVERIFY(!notice->isVisible());
 }
 
 QTEST_MAIN(SettingsTest)

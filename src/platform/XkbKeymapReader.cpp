@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/x11/XkbKeymapReader.h"
+#include "platform/XkbKeymapReader.h"
 
 #include <QChar>
 #include <bitset>
@@ -66,6 +66,24 @@ PhysicalKey XkbKeymapReader::physicalKey(quint32 code, int activeGroup) const
         key.groups.append(symbols);
     }
     return key;
+}
+
+int XkbKeymapReader::groupOf(quint32 code, int toolkitKey) const
+{
+    for (int group = 0; group < groupCount(); ++group) {
+        for (int level = 0; level < PhysicalKey::levelCount; ++level) {
+            if (keyAt(code, group, level) == toolkitKey)
+                return group;
+        }
+    }
+    return 0;
+}
+
+bool XkbKeymapReader::holdsAltGr(quint32 modifiers) const
+{
+    // The modifier that the system's keyboard data give to the third level.
+    const xkb_mod_index_t index = xkb_keymap_mod_get_index(m_keymap.get(), "Mod5");
+    return index != XKB_MOD_INVALID && (modifiers >> index & 1U) != 0;
 }
 
 int XkbKeymapReader::qtKey(quint32 symbol)

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/KeyboardLayout.h"
+
+#include <memory>
+
+class KeymapConnection;
+
+/// The layout of the compositor's keyboard.
+class WaylandKeyboardLayout : public KeyboardLayout
+{
+    Q_OBJECT
+
+public:
+    /// Whether the application runs on Wayland.
+    static bool isAvailable();
+
+    explicit WaylandKeyboardLayout(QObject *application);
+    ~WaylandKeyboardLayout() override;
+
+    PhysicalKey physicalKey(const QKeyEvent &event) override;
+
+private:
+    std::unique_ptr<KeymapConnection> m_connection;
+};

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// In which order windows are brought forward, without any desktop.
+#include "platform/FrontRequests.h"
+
+#include <QMessageBox>
+#include <QWidget>
+#include <QWindow>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class FrontRequestsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void aWindowOnTheScreenComesForwardAtOnce();
+    void aWindowThatIsOnlyJustShownComesForwardOnceItIsThere();
+    void aWindowThatWasHiddenMeanwhileStaysWhereItIs();
+    void theOpenBoxComesForwardAfterTheWindow();
+    void theWindowComesForwardAgainOnceTheBoxIsAnswered();
+    void aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden();
+
+private:
+    void showBox();
+
+    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<QMessageBox> m_box;
+    QList<QWindow *> m_forward;
+    std::unique_ptr<FrontRequests> m_requests;
+};
+
+void FrontRequestsTest::init()
+{
+    m_window = std::make_unique<QWidget>();
+    m_forward.clear();
+    m_requests
+        = std::make_unique<FrontRequests>([this](QWindow *window) { m_forward.append(window); });
+}
+
+void FrontRequestsTest::cleanup()
+{
+    m_requests.reset();
+    m_box.reset();
+    m_window.reset();
+}
+
+void FrontRequestsTest::showBox()
+{
+    m_box = std::make_unique<QMessageBox>(QMessageBox::Question, u"box"_s, u"text"_s,
+                                          QMessageBox::Ok);
+    m_box->setModal(true);
+    m_box->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_box.get()));
+}
+
+void FrontRequestsTest::aWindowOnTheScreenComesForwardAtOnce()
+{
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    m_requests->request(m_window->windowHandle());
+    QCOMPARE(m_forward, {m_window->windowHandle()});
+}
+
+void FrontRequestsTest::aWindowThatIsOnlyJustShownComesForwardOnceItIsThere()
+{
+    m_window->create();
+    m_requests->request(m_window->windowHandle());
+    QVERIFY(m_forward.isEmpty());
+    m_window->show();
+    QTRY_COMPARE(m_forward, {m_window->windowHandle()});
+}
+
+void FrontRequestsTest::aWindowThatWasHiddenMeanwhileStaysWhereItIs()
+{
+    m_window->create();
+    m_requests->request(m_window->windowHandle());
+    QTest::qWait(800); // longer than it waits for a window to appear
+    QVERIFY(m_forward.isEmpty());
+}
+
+void FrontRequestsTest::theOpenBoxComesForwardAfterTheWindow()
+{
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    showBox();
+    m_requests->request(m_window->windowHandle());
+    QTRY_COMPARE(m_forward, (QList<QWindow *>{m_window->windowHandle(), m_box->windowHandle()}));
+}
+
+void FrontRequestsTest::theWindowComesForwardAgainOnceTheBoxIsAnswered()
+{
+    theOpenBoxComesForwardAfterTheWindow();
+    m_forward.clear();
+    m_box->hide();
+    QCOMPARE(m_forward, {m_window->windowHandle()});
+}
+
+void FrontRequestsTest::aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden()
+{
+    theOpenBoxComesForwardAfterTheWindow();
+    m_forward.clear();
+    m_window->hide();
+    m_box->hide();
+    QVERIFY(m_forward.isEmpty());
+}
+
+QTEST_MAIN(FrontRequestsTest)
+#include "FrontRequestsTest.moc"

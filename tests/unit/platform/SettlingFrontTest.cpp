@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "platform/SettlingFront.h"
+
+#include <QtTest>
+
+namespace
+{
+
+/// Counts what the application object is told about losing the front.
+class Losses : public QObject
+{
+public:
+    Losses() { QCoreApplication::instance()->installEventFilter(this); }
+
+    int count = 0;
+
+private:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == QCoreApplication::instance()
+            && event->type() == QEvent::ApplicationDeactivate)
+            ++count;
+        return false;
+    }
+};
+
+} // namespace
+
+class SettlingFrontTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void whoNeverWasInFrontIsNot();
+    void aMomentWithoutAnybodyInFrontIsNoLoss();
+    void aLossThatLastsIsToldOnce();
+    void aLossIsToldAtOnceWhenTheUserActsOnIt();
+    void comingForwardSurvivesTheWindowsThatClose();
+    void comingForwardInVainEndsInTime();
+    void whoCameForwardLosesTheFrontAsUsual();
+
+private:
+    bool m_inFront = false;
+};
+
+void SettlingFrontTest::init()
+{
+    m_inFront = false;
+}
+
+void SettlingFrontTest::whoNeverWasInFrontIsNot()
+{
+    SettlingFront front([this] { return m_inFront; });
+    QVERIFY(!front.areWeInFront());
+}
+
+void SettlingFrontTest::aMomentWithoutAnybodyInFrontIsNoLoss()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    m_inFront = false;
+    QVERIFY(front.areWeInFront());
+    m_inFront = true;
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QVERIFY(front.areWeInFront());
+    QCOMPARE(losses.count, 0);
+}
+
+void SettlingFrontTest::aLossThatLastsIsToldOnce()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    m_inFront = false;
+    QVERIFY(front.areWeInFront());
+    QTRY_COMPARE(losses.count, 1);
+    QVERIFY(!front.areWeInFront());
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QCOMPARE(losses.count, 1);
+}
+
+void SettlingFrontTest::aLossIsToldAtOnceWhenTheUserActsOnIt()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    front.settleNow();
+    QCOMPARE(losses.count, 0);
+    m_inFront = false;
+    QVERIFY(front.areWeInFront());
+    front.settleNow();
+    QCOMPARE(losses.count, 1);
+    QVERIFY(!front.areWeInFront());
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QCOMPARE(losses.count, 1);
+}
+
+void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    front.expectToComeForward();
+    QVERIFY(front.areWeInFront()); // a splash screen has just closed, and nobody is in front
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    QCOMPARE(losses.count, 0);
+}
+
+void SettlingFrontTest::comingForwardInVainEndsInTime()
+{
+    SettlingFront front([this] { return m_inFront; });
+    front.expectToComeForward();
+    QTRY_VERIFY_WITH_TIMEOUT(!front.areWeInFront(), 2 * SettlingFront::comingTimeMs);
+}
+
+void SettlingFrontTest::whoCameForwardLosesTheFrontAsUsual()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    front.expectToComeForward();
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    m_inFront = false;
+    QVERIFY(front.areWeInFront());
+    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, SettlingFront::comingTimeMs / 2);
+}
+
+QTEST_GUILESS_MAIN(SettlingFrontTest)
+#include "SettlingFrontTest.moc"
