@@ -2,7 +2,7 @@
 #include "app/activation/dbus/ApplicationAdaptor.h"
 
 #include "app/activation/InstanceLog.h"
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include <QUrl>
 

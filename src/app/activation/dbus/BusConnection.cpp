@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include "app/activation/InstanceEndpoint.h"
 
@@ -26,13 +26,13 @@ QDBusConnection connectTo(const QString &address, const QString &name)
 }
 } // namespace
 
-SessionBus::SessionBus()
+BusConnection::BusConnection()
     : m_name(QUuid::createUuid().toString())
     , m_connection(connectTo(addressOfBus(), m_name))
 {
 }
 
-SessionBus::~SessionBus()
+BusConnection::~BusConnection()
 {
     QDBusConnection::disconnectFromBus(m_name);
 }
