@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The one place that includes the platform's umbrella header: unasked, it also defines macros with
-// names as common as check and verify.
+// The one place that includes the platform's umbrella headers: unasked, they also define macros
+// with names as common as check and verify.
 #ifndef __ASSERT_MACROS_DEFINE_VERSIONS_WITHOUT_UNDERSCORES
-#define __ASSERT_MACROS_DEFINE_VERSIONS_WITHOUT_UNDERSCORES                                        \
-    0 // NOLINT(bugprone-reserved-identifier)
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the platform's name
+#define __ASSERT_MACROS_DEFINE_VERSIONS_WITHOUT_UNDERSCORES 0
 #endif
 
 #include <Carbon/Carbon.h>
