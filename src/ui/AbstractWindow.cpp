@@ -58,9 +58,8 @@ void AbstractWindow::restoreShowAndActivate()
         restoreSizeAndPos();
         moveOntoScreen();
         clearMinimized();
+        beginToSettle();
         setVisible(true);
-        if (m_settings.contains(getWindowPosSettingsKey()))
-            QTimer::singleShot(framingTimeMs, this, [this, wanted = pos()] { settleAt(wanted); });
         // Hidden and shown again at once, the window never lost the keyboard in the toolkit's eyes,
         // and no event tells the widgets that it has it.
         if (QGuiApplication::focusWindow() == windowHandle())
@@ -69,12 +68,25 @@ void AbstractWindow::restoreShowAndActivate()
     AbstractWindow::activate();
 }
 
-// A window of fixed size is resized once more when it is framed, and its frame slips by its own
-// width then. Other differences are the user's or the window manager's will.
-void AbstractWindow::settleAt(QPoint wanted)
+void AbstractWindow::beginToSettle()
 {
-    if (!isVisible())
+    if (!m_settings.contains(getWindowPosSettingsKey()))
         return;
+    m_settlingAt = pos();
+    QTimer::singleShot(framingTimeMs, this, [this] {
+        settle();
+        m_settlingAt.reset();
+    });
+}
+
+// A window of fixed size is resized once more when it is framed, and its frame slips by its own
+// width then; some window managers put a hidden window back where its inside was. Other differences
+// are the user's or the window manager's will.
+void AbstractWindow::settle()
+{
+    if (!isVisible() || !m_settlingAt)
+        return;
+    const QPoint wanted = *m_settlingAt;
     const QMargins frame = windowHandle()->frameMargins();
     const QPoint slip = framePosition(this) - wanted;
     const QPoint frameWidth(frame.left(), frame.top());
@@ -133,6 +145,8 @@ void AbstractWindow::moveEvent(QMoveEvent *event)
 {
     QDialog::moveEvent(event);
     m_saveTimer->start();
+    if (m_settlingAt) // mended before anybody sees it; the frame is known only after this event
+        QMetaObject::invokeMethod(this, &AbstractWindow::settle, Qt::QueuedConnection);
 }
 
 void AbstractWindow::resizeEvent(QResizeEvent *event)

@@ -56,7 +56,8 @@ private:
         bool settled = false; ///< The window manager has had its say about the position.
     };
 
-    void settleAt(QPoint wanted);
+    void beginToSettle();
+    void settle();
     void savePendingPlace();
     void moveOntoScreen();
     bool standsAtCorrectedPlace();
@@ -65,4 +66,5 @@ private:
     QSettings m_settings;
     QTimer *m_saveTimer;
     std::optional<Correction> m_correction;
+    std::optional<QPoint> m_settlingAt; ///< Just shown: where the frame is to be.
 };

@@ -47,13 +47,16 @@ class ActivationTestCase(BrindleTestCase):
                  "the box in front")
         return box, window
 
-    def check_box_comes_forward(self, brindle, box, window):
+    def check_box_comes_forward(self, brindle, box, window, workspace=0):
         """The hotkey brings the box and its main window, and the box has the keyboard."""
         self.desktop.keys(HOTKEY)
         wait_for(lambda: self.desktop.screen.active_window() == window, "the box in front")
         self.assertFalse(self.desktop.screen.is_minimised(window))
         wait_for(lambda: brindle.window in self.desktop.screen.windows(), "the main window, too")
         self.assertFalse(self.desktop.screen.is_minimised(brindle.window))
+        self.assertEqual(self.desktop.screen.current_workspace(), workspace)
+        for ours in (brindle.window, window):
+            self.assertEqual(self.desktop.screen.workspace(ours), workspace)
         brindle.keys("Escape")
         wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
         brindle.wait_until_in_front()
@@ -291,10 +294,7 @@ class BoxesInTheWay(ActivationTestCase):
         box, window = self.open_prompt(brindle)
         self.go_to_second_workspace()
         brindle.wait_until_hidden()
-        self.check_box_comes_forward(brindle, box, window)
-        self.assertEqual(self.desktop.screen.current_workspace(), 1)
-        for ours in (brindle.window, window):
-            self.assertEqual(self.desktop.screen.workspace(ours), 1)
+        self.check_box_comes_forward(brindle, box, window, workspace=1)
         brindle.keys("Escape")
         brindle.wait_until_hidden()
         self.assertEqual(self.desktop.screen.current_workspace(), 1)

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The program on a Wayland desktop: native windows, the keyboard, stepping back, its own windows."""
 
+import os
 import signal
 import time
 
@@ -12,6 +13,7 @@ from brindle_e2e.waiting import stays, wait_for, wait_for_value
 from brindle_e2e.wayland import BACKGROUND
 from brindle_e2e.wayland_case import APP_ID, WaylandTestCase
 from brindle_e2e.windows import FIND, HELP, REPORT_RANGE, SETTINGS, TODO_LIST
+from tour import Tour
 
 SAVE_PROMPT = "Some of your changes have not been saved."
 
@@ -258,6 +260,56 @@ class OneInstance(WaylandTestCase):
         second.answer(second.wait_for_box(self.QUESTION), "Activate existing instance")
         self.assertEqual(second.wait_for_exit(), 0)
         first.wait_until_in_front()
+
+
+class KeyOfTheDesktop(WaylandTestCase):
+    """What the settings name where there is no hotkey: a key that the compositor itself looks after."""
+
+    portal_from_the_start = False
+
+    def test_a_key_bound_to_the_toggling_command_works_there_and_back(self):
+        self.path = datafile.create(self.home.path("tasks.bdl"), "First")
+        self.home.remember_files(self.path)
+        self._helpers.append(self.desktop.bind_key("Ctrl+Alt+b", [PROGRAM, "--toggle"], self.home.env))
+        brindle = self.start()
+        brindle.go("ctrl+l", "First")
+        self.other = self.other_program()
+        brindle.wait_until_hidden()
+        for round_number in range(3):
+            self.desktop.keys("ctrl+alt+b")
+            wait_for(brindle.has_front, "in front by the desktop's key")
+            brindle.wait_until_in_front()
+            self.desktop.write("!")
+            brindle.expect_text("First" + "!" * (round_number + 1))
+            self.desktop.keys("ctrl+alt+b")
+            brindle.wait_until_hidden()
+            self.other_has_keyboard(f"back {round_number}")
+
+
+class WaylandTour(Tour):
+    """The tour on a desktop where only the size of a window is the program's to keep."""
+
+    def place(self):
+        return super().place()[2:]
+
+    def move_window(self):
+        before = self.place()
+        self.desktop.screen.move_resize(self.brindle.window, 200, 150, 560, 260)
+        wait_for(lambda: self.place() != before, "the window's other size")
+        wait_for(lambda: self.home.stored_place()[2:] == self.place(), "the stored size")
+        return self.place()
+
+
+class MainWork(WaylandTestCase):
+    def test_a_tour_through_everything(self):
+        pictures = os.environ.get("BRINDLE_E2E_PICTURES") or self.home.folder
+        tour = WaylandTour(self.desktop, PROGRAM, os.path.join(pictures, "wayland-tour"))
+        self.home = tour.home
+        try:
+            tour.walk()
+        finally:
+            self.programs.append(tour.brindle)
+            self._helpers += [tour.other.process] if tour.other else []
 
 
 class Ending(WaylandTestCase):

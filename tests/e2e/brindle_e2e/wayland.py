@@ -3,6 +3,7 @@
 
 import os
 import subprocess
+import tempfile
 
 from .session import Session, key_codes
 from .sway import SwayScreen
@@ -127,7 +128,22 @@ class WaylandDesktop(Session):
         """A terminal that has the front; what is typed into it ends in the file given back."""
         return self._start_other_program(
             ["foot", "--config=/dev/null", "--log-level=none", f"--title={name}",
-             "--override=locked-title=yes", "--override=font=DejaVu Sans Mono:size=9", "--window-size-chars=60x8"], name)
+             "--override=locked-title=yes", "--override=font=DejaVu Sans Mono:size=9",
+             "--window-size-chars=60x8"], name)
+
+    def bind_key(self, combination, command, extra_env=None):
+        """Binds a key to a command as a user does in the compositor's configuration.
+
+        The compositor may run as another user than the programs (see below), so it only says that
+        the key was pressed, and a process beside the programs runs the command.
+        """
+        presses = os.path.join(tempfile.mkdtemp(dir=self.folder), "presses")
+        os.chmod(os.path.dirname(presses), 0o711)
+        os.mkfifo(presses)
+        os.chmod(presses, 0o622)
+        self.screen.command(f"bindsym {combination} exec echo pressed >{presses}")
+        return self.run(["sh", "-c", 'presses=$1; shift; while read -r _ <"$presses"; do "$@"; done',
+                         "sh", presses, *command], extra_env)
 
     # Starting the parts.
 

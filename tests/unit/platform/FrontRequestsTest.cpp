@@ -9,6 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
+using Windows = QList<QWindow *>;
+
 class FrontRequestsTest : public QObject
 {
     Q_OBJECT
@@ -29,7 +31,7 @@ private:
 
     std::unique_ptr<QWidget> m_window;
     std::unique_ptr<QMessageBox> m_box;
-    QList<QWindow *> m_forward;
+    Windows m_forward;
     std::unique_ptr<FrontRequests> m_requests;
 };
 
@@ -62,22 +64,24 @@ void FrontRequestsTest::aWindowOnTheScreenComesForwardAtOnce()
     m_window->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     m_requests->request(m_window->windowHandle());
-    QCOMPARE(m_forward, {m_window->windowHandle()});
+    QCOMPARE(m_forward, Windows({m_window->windowHandle()}));
 }
 
 void FrontRequestsTest::aWindowThatIsOnlyJustShownComesForwardOnceItIsThere()
 {
-    m_window->create();
+    m_window->winId(); // makes the window, without showing it
     m_requests->request(m_window->windowHandle());
     QVERIFY(m_forward.isEmpty());
     m_window->show();
-    QTRY_COMPARE(m_forward, {m_window->windowHandle()});
+    QTRY_COMPARE(m_forward, Windows({m_window->windowHandle()}));
 }
 
 void FrontRequestsTest::aWindowThatWasHiddenMeanwhileStaysWhereItIs()
 {
-    m_window->create();
+    m_window->winId(); // makes the window, without showing it
     m_requests->request(m_window->windowHandle());
+    m_window->show();
+    m_window->hide();
     QTest::qWait(800); // longer than it waits for a window to appear
     QVERIFY(m_forward.isEmpty());
 }
@@ -88,7 +92,7 @@ void FrontRequestsTest::theOpenBoxComesForwardAfterTheWindow()
     QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     showBox();
     m_requests->request(m_window->windowHandle());
-    QTRY_COMPARE(m_forward, (QList<QWindow *>{m_window->windowHandle(), m_box->windowHandle()}));
+    QTRY_COMPARE(m_forward, Windows({m_window->windowHandle(), m_box->windowHandle()}));
 }
 
 void FrontRequestsTest::theWindowComesForwardAgainOnceTheBoxIsAnswered()
@@ -96,7 +100,7 @@ void FrontRequestsTest::theWindowComesForwardAgainOnceTheBoxIsAnswered()
     theOpenBoxComesForwardAfterTheWindow();
     m_forward.clear();
     m_box->hide();
-    QCOMPARE(m_forward, {m_window->windowHandle()});
+    QCOMPARE(m_forward, Windows({m_window->windowHandle()}));
 }
 
 void FrontRequestsTest::aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden()

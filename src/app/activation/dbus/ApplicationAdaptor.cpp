@@ -2,7 +2,7 @@
 #include "app/activation/dbus/ApplicationAdaptor.h"
 
 #include "app/activation/InstanceLog.h"
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include <QUrl>
 
@@ -20,7 +20,7 @@ constexpr qsizetype longestToken = 1000;
 QByteArray tokenIn(const QVariantMap &platformData)
 {
     for (const QString &key : {u"activation-token"_s, u"desktop-startup-id"_s}) {
-        const QByteArray token = platformData.value(key).toString().toUtf8();
+        QByteArray token = platformData.value(key).toString().toUtf8();
         if (!token.isEmpty() && token.size() <= longestToken)
             return token;
     }

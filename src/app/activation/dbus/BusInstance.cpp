@@ -2,7 +2,7 @@
 #include "app/activation/BusInstance.h"
 
 #include "app/activation/InstanceLog.h"
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -76,7 +76,7 @@ QDBusMessage messageFor(const InstanceRequest &request)
 class BusInstance::Bus
 {
 public:
-    SessionBus session;
+    BusConnection session;
 };
 
 BusInstance::BusInstance()

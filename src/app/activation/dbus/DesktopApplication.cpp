@@ -3,7 +3,7 @@
 
 #include "app/activation/InstanceLog.h"
 #include "app/activation/dbus/ApplicationAdaptor.h"
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
@@ -20,7 +20,7 @@ public:
             [owner](const InstanceRequest &request) { emit owner->requested(request); }, &object);
     }
 
-    SessionBus session;
+    BusConnection session;
     QObject object; ///< Bears the interface, so that nothing else is to be seen on the bus.
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/activation/dbus/SessionBus.h"
+#include "app/activation/dbus/BusConnection.h"
 
 #include "app/activation/InstanceEndpoint.h"
 
@@ -13,7 +13,7 @@ namespace
 /// Where the session's bus listens; empty when there is none.
 QString addressOfBus()
 {
-    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     if (!address.isEmpty())
         return address;
     const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + u"/bus"_s;
@@ -26,13 +26,13 @@ QDBusConnection connectTo(const QString &address, const QString &name)
 }
 } // namespace
 
-SessionBus::SessionBus()
+BusConnection::BusConnection()
     : m_name(QUuid::createUuid().toString())
     , m_connection(connectTo(addressOfBus(), m_name))
 {
 }
 
-SessionBus::~SessionBus()
+BusConnection::~BusConnection()
 {
     QDBusConnection::disconnectFromBus(m_name);
 }
