@@ -156,5 +156,5 @@ void MacActivationTest::anAddressThatIsNoFileIsLeftToOthers()
     QVERIFY(!bench.activation.isAppActive());
 }
 
-QTEST_GUILESS_MAIN(MacActivationTest)
+QTEST_MAIN(MacActivationTest)
 #include "MacActivationTest.moc"
