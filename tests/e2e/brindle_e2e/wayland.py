@@ -163,7 +163,9 @@ class WaylandDesktop(Session):
                "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}
         with open(os.path.join(self.folder, "sway.log"), "wb") as log:
             self.display_server = self.run(
-                [*_without_privileges(), "sway", "-c", os.path.join(self.folder, "sway.conf")],
+                # Without waiting for each other's pictures: the mouse would miss windows meanwhile.
+                [*_without_privileges(), "sway", "-D", "noatomic", "-c",
+                 os.path.join(self.folder, "sway.conf")],
                 env, stdout=log, stderr=log)
         wait_for(lambda: os.path.exists(socket_path), "the compositor")
         self.env["WAYLAND_DISPLAY"] = wait_for(lambda: _display_in(runtime), "the display's socket")
