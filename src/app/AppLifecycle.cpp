@@ -79,6 +79,8 @@ void AppLifecycle::startup()
 
 bool AppLifecycle::becomeTheOneInstance()
 {
+    if (!m_asksQuestions)
+        m_activationSupport->askNoQuestions(InstanceRequest::toOpen(m_filesToOpen));
     try {
         if (!m_activationSupport->checkForOtherInstances())
             return true;
@@ -95,6 +97,8 @@ void AppLifecycle::setIdentity()
     QCoreApplication::setOrganizationDomain(QString::fromLatin1(Maker::domain));
     QCoreApplication::setApplicationName(u"Brindle"_s);
     QApplication::setWindowIcon(QIcon(u":/images/brindle.png"_s));
+    // How a compositor finds the program's .desktop file; it is asked with the first window.
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(Maker::applicationId));
 }
 
 void AppLifecycle::showSplashScreen()
@@ -202,6 +206,20 @@ void AppLifecycle::connectActivation()
     AppActivationSupport *activation = m_activationSupport.get();
     connect(activation, &AppActivationSupport::requestTermination, this,
             &AppLifecycle::exitOnceNothingIsAsked);
+    connect(activation, &AppActivationSupport::requestOpenFiles, this,
+            [this](const QStringList &files) {
+                m_filesToOpen += files;
+                openFilesOnceNothingIsAsked();
+            });
+    connect(activation, &AppActivationSupport::activeAgain, this, &AppLifecycle::comeForwardAgain);
+    // Asked for during the splash screen, the main window would stand in front of the picture.
+    connect(
+        activation, &AppActivationSupport::activationChanged, this,
+        [this](bool isNowActive) {
+            if (isNowActive)
+                stopSplashScreen();
+        },
+        Qt::QueuedConnection);
     connect(activation, &AppActivationSupport::activationChanged, m_todoListWindow.get(),
             &AbstractWindow::hideOnDeactivate);
     connect(activation, &AppActivationSupport::activationChanged, m_findWindow.get(),
@@ -272,7 +290,8 @@ void AppLifecycle::connectEndOfSession()
 
 void AppLifecycle::openFilesFromCommandLine()
 {
-    for (const QString &path : std::as_const(m_filesToOpen)) {
+    const QStringList files = std::exchange(m_filesToOpen, {});
+    for (const QString &path : files) {
         // One bad file must not keep the program from coming up.
         guardAgainstFileErrors(lcApp(), "openFilesFromCommandLine", [&] {
             guardAgainstTexts(lcApp(), "openFilesFromCommandLine", [&] { openAndGoTo(path); });
@@ -280,14 +299,32 @@ void AppLifecycle::openFilesFromCommandLine()
     }
 }
 
+void AppLifecycle::openFilesOnceNothingIsAsked()
+{
+    // A box may be about the very files that are open; it is answered first.
+    if (QApplication::activeModalWidget())
+        QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::openFilesOnceNothingIsAsked);
+    else
+        openFilesFromCommandLine();
+}
+
 void AppLifecycle::openAndGoTo(const QString &path)
 {
     const int filesBefore = m_fileManager->getFileCount();
     m_fileManager->openFileFromCommandLine(path);
-    const int last = m_fileManager->getFileCount() - 1;
-    if (last + 1 > filesBefore) {
-        const qint64 root = m_fileManager->getFile(last)->getEntryId(-1, 0);
-        m_hierarchyModel->goToEntry(EntryAddress{last, root});
+    // At start-up one that is known already changes nothing; asked for later, it is wanted now.
+    if (m_startupDone || m_fileManager->getFileCount() > filesBefore)
+        goToRootOf(path);
+}
+
+void AppLifecycle::goToRootOf(const QString &path)
+{
+    for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
+        DiskStore *store = m_fileManager->getFile(index);
+        if (store->isSameFile(path)) {
+            m_hierarchyModel->goToEntry(EntryAddress{index, store->getEntryId(-1, 0)});
+            return;
+        }
     }
 }
 
@@ -331,6 +368,18 @@ void AppLifecycle::activate()
     else
         m_splash->close();
     m_updateCheck = std::make_unique<CheckForUpdates>(m_mainWindow.get());
+}
+
+void AppLifecycle::comeForwardAgain()
+{
+    // The window that had the keyboard last, a list perhaps. The toolkit learns only after a while
+    // that another program has taken it, so the desktop is asked in any case.
+    QWidget *window = QApplication::activeWindow();
+    if (!window) {
+        m_mainWindow->activate();
+        window = m_mainWindow.get();
+    }
+    m_activationSupport->requestFront(window->windowHandle());
 }
 
 void AppLifecycle::shutdown()

@@ -31,6 +31,9 @@ public:
     AppLifecycle(QApplication *app, NativeSupport *nativeSupport, QStringList filesToOpen);
     ~AppLifecycle() override;
 
+    /// A running copy gets the files, or just comes forward, without the user being asked.
+    void askNoQuestions() { m_asksQuestions = false; }
+
 public slots:
     void startup();
     void shutdown();
@@ -53,7 +56,10 @@ private:
     void connectWindows();
     void connectEndOfSession();
     void openFilesFromCommandLine();
+    void openFilesOnceNothingIsAsked();
     void openAndGoTo(const QString &path);
+    void goToRootOf(const QString &path);
+    void comeForwardAgain();
     void endAfterError(const char *text);
     void exitOnceNothingIsAsked();
     void saveAndEnd();
@@ -76,4 +82,5 @@ private:
     bool m_splashDone = false;
     bool m_startupDone = false;
     QStringList m_filesToOpen;
+    bool m_asksQuestions = true;
 };

@@ -13,6 +13,8 @@
 int main(int argc, char **argv)
 {
     CommandLine::answerWithoutDisplay(argc, argv);
+    if (const std::optional<int> status = CommandLine::handOverToRunningCopy(argc, argv))
+        return *status;
 
     // Never deleted: the desktop may call it until the process ends.
     NativeSupport *nativeSupport = NativeSupport::create().release();
@@ -26,7 +28,11 @@ int main(int argc, char **argv)
     qRegisterMetaType<DiskStore::FileException>("DiskStore::FileException");
 
     Application app(argc, argv);
-    AppLifecycle lifecycle(&app, nativeSupport, CommandLine::filesToOpen());
+    const CommandLine::Arguments arguments = CommandLine::arguments();
+    AppLifecycle lifecycle(&app, nativeSupport, arguments.files);
+    // A copy that has just been started beside this one is told the same as one that ran already.
+    if (arguments.wish != CommandLine::Arguments::Wish::Start)
+        lifecycle.askNoQuestions();
 
     // Start-up runs inside the event loop, because it may open message boxes.
     QTimer timer;

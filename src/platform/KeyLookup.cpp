@@ -17,7 +17,7 @@ QList<KeyCommandMap::KeyCombo> KeyLookup::candidates(const QKeyEvent &event,
     KeyboardLayout *layout
         = all.testFlag(Qt::KeypadModifier) ? nullptr : KeyboardLayout::ofApplication();
     const PhysicalKey physicalKey = layout ? layout->physicalKey(event) : PhysicalKey{};
-    const bool altGr = all.testFlag(Qt::GroupSwitchModifier);
+    const bool altGr = all.testFlag(Qt::GroupSwitchModifier) || physicalKey.altGr;
 
     QList<KeyCommandMap::KeyCombo> combos;
     for (int key : KeyOrder::keys(event.key(), altGr, physicalKey))

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The choice among the desktops of PCs.
+// The choice among the desktops of PCs. A Mac has but one, chosen in mac/MacDesktop.cpp.
 #include "platform/KeyboardLayout.h"
 #include "platform/NativeSupport.h"
 #include "platform/none/NoDesktopSupport.h"

@@ -18,4 +18,5 @@ struct PhysicalKey {
     quint32 code = 0; ///< The key code of X11 (that of the kernel plus 8); 0 when unknown.
     QList<Group> groups; ///< Empty when nothing is known about the layout.
     int activeGroup = 0;
+    bool altGr = false; ///< AltGr was held, as far as the toolkit's own flag doesn't tell.
 };

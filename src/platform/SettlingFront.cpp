@@ -34,10 +34,24 @@ void SettlingFront::expectToComeForward()
     m_coming = QDeadlineTimer(m_wereInFront ? 0 : comingTimeMs);
 }
 
+void SettlingFront::settleNow()
+{
+    if (m_settling.isActive() && isLost()) {
+        QEvent event(QEvent::ApplicationDeactivate);
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
+    }
+}
+
+bool SettlingFront::isLost()
+{
+    m_settling.stop();
+    m_wereInFront = m_inFrontNow();
+    return !m_wereInFront;
+}
+
 void SettlingFront::settled()
 {
-    m_wereInFront = m_inFrontNow();
-    if (!m_wereInFront) {
+    if (isLost()) {
         QCoreApplication::postEvent(QCoreApplication::instance(),
                                     new QEvent(QEvent::ApplicationDeactivate));
     }

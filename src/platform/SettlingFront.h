@@ -30,8 +30,13 @@ public:
     /// The application is being brought forward: what was before counts no longer.
     void expectToComeForward();
 
+    /// The user does something that depends on who is in front: a loss that hasn't settled yet is
+    /// told at once.
+    void settleNow();
+
 private:
     void settled();
+    bool isLost();
 
     std::function<bool()> m_inFrontNow;
     bool m_wereInFront = false;

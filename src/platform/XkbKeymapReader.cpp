@@ -79,6 +79,13 @@ int XkbKeymapReader::groupOf(quint32 code, int toolkitKey) const
     return 0;
 }
 
+bool XkbKeymapReader::holdsAltGr(quint32 modifiers) const
+{
+    // The modifier that the system's keyboard data give to the third level.
+    const xkb_mod_index_t index = xkb_keymap_mod_get_index(m_keymap.get(), "Mod5");
+    return index != XKB_MOD_INVALID && (modifiers >> index & 1U) != 0;
+}
+
 int XkbKeymapReader::qtKey(quint32 symbol)
 {
     const char32_t character = xkb_keysym_to_utf32(symbol);

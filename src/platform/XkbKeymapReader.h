@@ -20,6 +20,9 @@ public:
     /// far as that can be told from a press without the keyboard's state.
     int groupOf(quint32 code, int toolkitKey) const;
 
+    /// Whether the modifiers that an event holds, as bits of this map, include AltGr.
+    bool holdsAltGr(quint32 modifiers) const;
+
     /// The Qt key of the keysym \a symbol as Qt names printable keys; 0 when it isn't printable.
     static int qtKey(quint32 symbol);
 

@@ -232,13 +232,21 @@ class Tour:
         wait_for_value(other.lines, ["written in the terminal", "and again"], "the terminal's lines")
         self.step("given-back", "Escape gave the keyboard back to the other program")
 
+    def move_window(self):
+        """Gives the window another place and size, and says what has to be the same later."""
+        wanted = (200, 150, 560, 240)
+        self.desktop.screen.move_resize(self.brindle.window, *wanted)
+        wait_for_value(self.place, wanted, "the moved window")
+        wait_for(lambda: (self.home.stored_place() or ())[2:] == wanted[2:], "the stored place")
+        return wanted
+
+    def place(self):
+        return self.desktop.screen.place(self.brindle.window)
+
     def quit_and_start_again(self):
         brindle = self.brindle
         brindle.bring_back()
-        place = (200, 150, 560, 240)
-        self.desktop.screen.move_resize(brindle.window, *place)
-        wait_for_value(lambda: self.desktop.screen.place(brindle.window), place, "the moved window")
-        wait_for(lambda: (self.home.stored_place() or ())[2:] == place[2:], "the stored place")
+        place = self.move_window()
         brindle.keys("ctrl+h")
         brindle.expect_text("Shopping")
         self.step("moved", "the window stands where it was moved to")
@@ -254,7 +262,7 @@ class Tour:
         brindle.expect(title="Brindle (groceries.bdl)", text="groceries.bdl")
         for keys, text in (("ctrl+l", "Shopping"), ("ctrl+j", "Letters"), ("ctrl+j", "Taxes")):
             brindle.go(keys, text)
-        wait_for_value(lambda: self.desktop.screen.place(brindle.window), place, "the window's place")
+        wait_for_value(self.place, place, "the window's place")
         self.step("started-again", "started again: same file, same order, same window place")
         brindle.keys("ctrl+q")
         code = brindle.wait_for_exit()

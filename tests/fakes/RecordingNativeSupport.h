@@ -35,6 +35,11 @@ public:
     }
     QString getActivationHotkeyNotice() override { return hotkeyNotice; }
     void requestFront(QWindow *window) override { frontRequests.append(window); }
+    void setActivationToken(const QByteArray &token) override
+    {
+        tokens.append(token);
+        calls.append(QStringLiteral("token"));
+    }
 
     void pressHotkey() { emit hotKeyPressed(); }
 
@@ -45,5 +50,6 @@ public:
     int restores = 0;
     QList<unsigned int> hotkeys; ///< Each registered native key, in order.
     QList<QPointer<QWindow>> frontRequests;
-    QStringList calls; ///< "capture", "restore" and "hotkey" in the order they came.
+    QList<QByteArray> tokens; ///< Each one handed over, in order; empty ones, too.
+    QStringList calls; ///< "capture", "restore", "hotkey" and "token" in the order they came.
 };

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
-// A mouse on a Wayland desktop, and the source of the tokens that let a program come forward. Lives
-// as long as its standard input: a seat that loses its last pointer takes it from every program.
+// A mouse and a keyboard on a Wayland desktop, and the source of the tokens that let a program come
+// forward. Lives as long as its standard input: a seat that loses its last pointer takes it from
+// every program.
 //
 // Commands, one a line, each answered by one line as soon as the compositor has seen it:
 //   move X Y WIDTH HEIGHT   puts the pointer there, on a desktop of that size
 //   press CODE, release CODE  a mouse button by its code in the kernel (272 is the left one)
-//   token APP_ID            the answer is a token for bringing forward the program of that name
+//   layout LAYOUTS [OPTIONS]  gives the keyboard, there from the first time on, such a layout
+//   ("us,ru") key CODE, unkey CODE    a key by its place, as the code that X11 has for it token
+//   APP_ID            the answer is a token for bringing forward the program of that name
+#include "Keyboard.h"
 #include "virtual-pointer-client-protocol.h"
 #include "xdg-activation-v1-client-protocol.h"
 
 #include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -22,24 +25,16 @@
 namespace
 {
 
-template <auto release> struct Releaser {
-    template <typename T> void operator()(T *object) const { release(object); }
-};
-
 using Display = std::unique_ptr<wl_display, Releaser<wl_display_disconnect>>;
 using Registry = std::unique_ptr<wl_registry, Releaser<wl_registry_destroy>>;
 using Activation = std::unique_ptr<xdg_activation_v1, Releaser<xdg_activation_v1_destroy>>;
 using Token = std::unique_ptr<xdg_activation_token_v1, Releaser<xdg_activation_token_v1_destroy>>;
+using Seat = std::unique_ptr<wl_seat, Releaser<wl_seat_destroy>>;
+using KeyboardManager = std::unique_ptr<zwp_virtual_keyboard_manager_v1,
+                                        Releaser<zwp_virtual_keyboard_manager_v1_destroy>>;
 using PointerManager = std::unique_ptr<zwlr_virtual_pointer_manager_v1,
                                        Releaser<zwlr_virtual_pointer_manager_v1_destroy>>;
 using Pointer = std::unique_ptr<zwlr_virtual_pointer_v1, Releaser<zwlr_virtual_pointer_v1_destroy>>;
-
-std::uint32_t milliseconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<std::uint32_t>(now.tv_sec * 1000 + now.tv_nsec / 1000000);
-}
 
 class Hands
 {
@@ -73,6 +68,10 @@ public:
             move(words);
         else if (verb == "press" || verb == "release")
             button(words, verb == "press");
+        else if (verb == "layout")
+            layout(words);
+        else if (verb == "key" || verb == "unkey")
+            key(words, verb == "key");
         else
             throw std::runtime_error("unknown command: " + command);
         zwlr_virtual_pointer_v1_frame(m_pointer.get());
@@ -91,6 +90,12 @@ private:
         else if (std::strcmp(interface, zwlr_virtual_pointer_manager_v1_interface.name) == 0)
             self->m_pointers.reset(static_cast<zwlr_virtual_pointer_manager_v1 *>(
                 wl_registry_bind(registry, name, &zwlr_virtual_pointer_manager_v1_interface, 1)));
+        else if (std::strcmp(interface, zwp_virtual_keyboard_manager_v1_interface.name) == 0)
+            self->m_keyboards.reset(static_cast<zwp_virtual_keyboard_manager_v1 *>(
+                wl_registry_bind(registry, name, &zwp_virtual_keyboard_manager_v1_interface, 1)));
+        else if (std::strcmp(interface, wl_seat_interface.name) == 0)
+            self->m_seat.reset(
+                static_cast<wl_seat *>(wl_registry_bind(registry, name, &wl_seat_interface, 1)));
     }
 
     static void lost(void *, wl_registry *, std::uint32_t) { }
@@ -136,11 +141,37 @@ private:
         zwlr_virtual_pointer_v1_button(m_pointer.get(), milliseconds(), code, pressed ? 1 : 0);
     }
 
+    void layout(std::istream &words)
+    {
+        if (!m_seat || !m_keyboards)
+            throw std::runtime_error("the desktop has no virtual keyboards");
+        if (!m_keyboard) {
+            m_keyboard = std::make_unique<Keyboard>(
+                zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(m_keyboards.get(),
+                                                                        m_seat.get()));
+        }
+        std::string layouts, options;
+        words >> layouts >> options;
+        m_keyboard->setLayout(layouts, options);
+    }
+
+    void key(std::istream &words, bool down)
+    {
+        std::uint32_t code = 0;
+        words >> code;
+        if (!m_keyboard)
+            throw std::runtime_error("the keyboard has no layout yet");
+        m_keyboard->press(code, down);
+    }
+
     Display m_display;
     Registry m_registry;
     Activation m_activation;
     PointerManager m_pointers;
     Pointer m_pointer;
+    Seat m_seat;
+    KeyboardManager m_keyboards;
+    std::unique_ptr<Keyboard> m_keyboard;
 };
 
 } // namespace

@@ -82,6 +82,9 @@ private slots:
     void restoringAVanishedWindowIsNoError();
     void captureWorksBeforeItKnowsTheToolkit();
     void requestFrontBringsAWindowForwardThatHadNoUserAction();
+    void aStartupIdLendsItsTimeToTheNextRequestAlone();
+    void aStartupIdWithoutATimeChangesNothing_data();
+    void aStartupIdWithoutATimeChangesNothing();
     void requestFrontUnminimises();
     void requestFrontBringsTheModalBoxForwardToo();
     void losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing();
@@ -346,6 +349,45 @@ void X11SupportTest::requestFrontBringsAWindowForwardThatHadNoUserAction()
     QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
     QVERIFY(XTools::press(u"a"_s));
     QTRY_COMPARE(m_window->text(), u"a"_s);
+}
+
+void X11SupportTest::aStartupIdLendsItsTimeToTheNextRequestAlone()
+{
+    constexpr quint32 time = 4242;
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    XTools::FrontRequestSpy spy;
+    m_support->setActivationToken("launcher/brindle/1-2-host_TIME4242");
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    QTRY_VERIFY((times += spy.timesOf(window)).contains(time));
+    m_support->requestFront(m_window->windowHandle());
+    times.clear();
+    QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
+    QVERIFY(!times.contains(time));
+}
+
+void X11SupportTest::aStartupIdWithoutATimeChangesNothing_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    for (const char *token :
+         {"", "token", "_TIME", "a_TIME0", "a_TIMEx", "a_TIME42x", "a_TIME99999999999999999999"})
+        QTest::newRow(token) << QByteArray(token);
+}
+
+void X11SupportTest::aStartupIdWithoutATimeChangesNothing()
+{
+    QFETCH(QByteArray, token);
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    XTools::FrontRequestSpy spy;
+    m_support->setActivationToken("a_TIME42");
+    m_support->setActivationToken(token); // and what came before is forgotten
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
+    QVERIFY(!times.contains(42));
+    QVERIFY(!times.contains(0));
 }
 
 void X11SupportTest::requestFrontUnminimises()

@@ -154,3 +154,31 @@ bool PressCounter::nativeEventFilter(const QByteArray &eventType, void *message,
         ++presses;
     return false;
 }
+
+XTools::FrontRequestSpy::FrontRequestSpy()
+    : m_connection(xcb_connect(nullptr, nullptr))
+{
+    const quint32 events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, rootOf(m_connection), XCB_CW_EVENT_MASK, &events);
+    xcb_flush(m_connection);
+}
+
+XTools::FrontRequestSpy::~FrontRequestSpy()
+{
+    xcb_disconnect(m_connection);
+}
+
+QList<quint32> XTools::FrontRequestSpy::timesOf(xcb_window_t window)
+{
+    QList<quint32> times;
+    const xcb_atom_t type = activeWindowAtom(m_connection);
+    while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection)) {
+        const XcbReply<xcb_generic_event_t> owner(event);
+        if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE)
+            continue;
+        const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event);
+        if (message->type == type && message->window == window)
+            times.append(message->data.data32[1]);
+    }
+    return times;
+}

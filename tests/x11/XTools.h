@@ -30,6 +30,21 @@ xcb_window_t activeWindow();
 /// Writes the window manager's word about it, behind its back.
 void claimActiveWindow(xcb_window_t window);
 
+/// Sees with which time stamps windows ask to come to the front.
+class FrontRequestSpy
+{
+public:
+    FrontRequestSpy();
+    ~FrontRequestSpy();
+    Q_DISABLE_COPY_MOVE(FrontRequestSpy)
+
+    /// Those that \a window asked with since the last call.
+    QList<quint32> timesOf(xcb_window_t window);
+
+private:
+    xcb_connection_t *m_connection;
+};
+
 } // namespace XTools
 
 /// Another program with a window of its own.

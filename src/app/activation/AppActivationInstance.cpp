@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "app/activation/AppActivationSupport.h"
 
+#include "app/activation/DesktopApplication.h"
+#include "app/activation/InstanceClient.h"
+#include "app/activation/InstanceLog.h"
+#include "app/activation/RunningInstance.h"
+#include "platform/NativeSupport.h"
 #include "shared/Version.h"
 
 #include <QDataStream>
 #include <QDeadlineTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QLoggingCategory>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QThread>
@@ -16,9 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-Q_LOGGING_CATEGORY(lcInstance, "brindle.activation.instance")
+using Message = RunningInstance::Message;
 
-constexpr int waitMs = 1000;
 /// A copy that holds the lock may still be on its way to listening.
 constexpr int serverStartMs = 5000;
 constexpr unsigned long retryPauseMs = 50;
@@ -27,27 +30,7 @@ constexpr int pendingConnections = 5;
 constexpr qsizetype mostClients = 32;
 constexpr qint64 numberSize = sizeof(qint32);
 
-enum Message : qint32 { VersionRequest = 1, ActivationCommand = 2, TerminationCommand = 3 };
 enum Choice { ActivateExisting = 0, TerminateExisting = 1, LeaveAlone = 2 };
-
-void sendCommand(QLocalSocket &socket, Message command)
-{
-    QDataStream(&socket) << qint32(command);
-    socket.waitForBytesWritten(waitMs);
-}
-
-/// Waits for the two numbers of the version; they may come in pieces.
-void waitForVersion(QLocalSocket &socket)
-{
-    const QDeadlineTimer deadline(waitMs);
-    while (socket.bytesAvailable() < 2 * numberSize) {
-        if (!socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
-            qCDebug(lcInstance) << "readyread failed waiting for response from existing instance"
-                                << socket.error();
-            throw "failed waiting for server response";
-        }
-    }
-}
 
 /// Beyond the most, the one that came first goes: refusing the newest would let clients that just
 /// sit there keep every real copy out.
@@ -67,59 +50,79 @@ bool isOlder(int major, int minor)
 }
 } // namespace
 
+void AppActivationSupport::askNoQuestions(const InstanceRequest &request)
+{
+    m_unaskedRequest = request;
+}
+
 bool AppActivationSupport::checkForOtherInstances()
 {
     bool mayServe = m_endpoint.claim();
-    QLocalSocket socket;
+    RunningInstance running(m_endpoint.socketPath(),
+                            m_unaskedRequest ? InstanceClient::patienceMs
+                                             : RunningInstance::waitMs);
     const QDeadlineTimer deadline(serverStartMs);
     while (true) {
-        socket.connectToServer(m_endpoint.socketPath(), QIODevice::ReadWrite);
-        if (socket.waitForConnected(waitMs))
-            return askRunningInstance(socket);
+        if (running.connect())
+            return talkToRunningInstance(running);
         if (mayServe || deadline.hasExpired())
             break;
         QThread::msleep(retryPauseMs); // the other copy is still starting, or just ending
         mayServe = m_endpoint.claim();
     }
-    if (!mayServe || socket.error() == QLocalSocket::UnknownSocketError) {
-        QMessageBox::critical(nullptr, tr("Error"),
-                              tr("There was an error while looking for running instances of "
-                                 "Brindle. Please quit any copies of Brindle and try again."),
-                              QMessageBox::Ok);
+    if (!mayServe || running.error() == QLocalSocket::UnknownSocketError) {
+        reportFailedLook();
         return true;
     }
-    if (socket.error() == QLocalSocket::ServerNotFoundError) {
-        qCDebug(lcInstance) << "no existing instance found";
+    if (running.error() == QLocalSocket::ServerNotFoundError) {
+        qCDebug(instanceLog) << "no existing instance found";
     } else {
-        qCDebug(lcInstance).noquote() << u"couldn't connect to existing instance ("_s
-                + socket.errorString() + u"); removing it"_s;
+        qCDebug(instanceLog).noquote() << u"couldn't connect to existing instance ("_s
+                + running.errorText() + u"); removing it"_s;
         if (!QLocalServer::removeServer(m_endpoint.socketPath())) {
-            qCDebug(lcInstance) << "couldn't remove bad server. giving up";
+            qCDebug(instanceLog) << "couldn't remove bad server. giving up";
             throw "couldn't remove bad server. giving up";
         }
     }
     return startInstanceServer();
 }
 
-bool AppActivationSupport::askRunningInstance(QLocalSocket &socket)
+void AppActivationSupport::reportFailedLook()
 {
-    QDataStream stream(&socket);
-    stream << qint32(VersionRequest);
-    waitForVersion(socket);
-    qint32 major = 0;
-    qint32 minor = 0;
-    stream >> major >> minor;
-    switch (promptUserForExistingInstanceAction(major, minor)) {
+    if (m_unaskedRequest)
+        throw "there was an error while looking for running instances";
+    QMessageBox::critical(nullptr, tr("Error"),
+                          tr("There was an error while looking for running instances of "
+                             "Brindle. Please quit any copies of Brindle and try again."),
+                          QMessageBox::Ok);
+}
+
+bool AppActivationSupport::talkToRunningInstance(RunningInstance &running)
+{
+    if (!m_unaskedRequest) {
+        askRunningInstance(running);
+        return true;
+    }
+    const InstanceClient::Answer answer = InstanceClient::handOver(running, *m_unaskedRequest);
+    if (answer.outcome == InstanceClient::Outcome::Failed)
+        throw answer.text;
+    return true;
+}
+
+void AppActivationSupport::askRunningInstance(RunningInstance &running)
+{
+    const RunningInstance::VersionNumbers version = running.askVersion();
+    switch (promptUserForExistingInstanceAction(version.major, version.minor)) {
     case ActivateExisting:
-        qCDebug(lcInstance) << "sending activation command to the other instance";
-        sendCommand(socket, ActivationCommand);
-        return true;
+        qCDebug(instanceLog) << "sending activation command to the other instance";
+        running.send(Message::Activation);
+        break;
     case TerminateExisting:
-        qCDebug(lcInstance) << "sending termination command to the other instance";
-        sendCommand(socket, TerminationCommand);
-        return true;
+        qCDebug(instanceLog) << "sending termination command to the other instance";
+        running.send(Message::Termination);
+        break;
     case LeaveAlone:
-        return true;
+        break;
     default:
         throw "huh?";
     }
@@ -127,11 +130,16 @@ bool AppActivationSupport::askRunningInstance(QLocalSocket &socket)
 
 bool AppActivationSupport::startInstanceServer()
 {
+    // Whoever finds the socket may count on the name, so the name comes first.
+    m_desktopApplication = std::make_unique<DesktopApplication>();
+    connect(m_desktopApplication.get(), &DesktopApplication::requested, this,
+            &AppActivationSupport::handleRequestLater);
+    m_desktopApplication->serve();
     m_instanceServer = std::make_unique<QLocalServer>();
     connect(m_instanceServer.get(), &QLocalServer::newConnection, this,
             &AppActivationSupport::instanceServerConnection);
     m_instanceServer->setMaxPendingConnections(pendingConnections);
-    qCDebug(lcInstance) << "starting server for this instance";
+    qCDebug(instanceLog) << "starting server for this instance";
     // No socket options: with them listening would take over a living server's name.
     if (!m_instanceServer->listen(m_endpoint.socketPath())) {
         qWarning("brindle: other copies won't find this one: %s",
@@ -198,18 +206,18 @@ void AppActivationSupport::bytesReceived()
     qint32 message = 0;
     QDataStream stream(client);
     stream >> message;
-    switch (message) {
-    case VersionRequest:
-        qCDebug(lcInstance) << "sending version information to another instance";
+    switch (static_cast<Message>(message)) {
+    case Message::VersionRequest:
+        qCDebug(instanceLog) << "sending version information to another instance";
         stream << qint32(Version::major) << qint32(Version::minor);
         break;
-    case ActivationCommand:
-        qCDebug(lcInstance) << "received activation command from another instance";
-        handleRequestLater(Request::Activate);
+    case Message::Activation:
+        qCDebug(instanceLog) << "received activation command from another instance";
+        handleRequestLater({InstanceRequest::Kind::Activate, {}, {}});
         break;
-    case TerminationCommand:
-        qCDebug(lcInstance) << "received termination command from another instance";
-        handleRequestLater(Request::Terminate);
+    case Message::Termination:
+        qCDebug(instanceLog) << "received termination command from another instance";
+        handleRequestLater({InstanceRequest::Kind::Terminate, {}, {}});
         break;
     default:
         break;
@@ -217,28 +225,50 @@ void AppActivationSupport::bytesReceived()
 }
 
 // A request can end in a prompt. Were that run from inside the socket's own signal, the client
-// could leave, and its socket be deleted, under the signal's feet.
-void AppActivationSupport::handleRequestLater(Request request)
+// could leave, and its socket be deleted, under the signal's feet; and whoever asks over the bus
+// would wait for the prompt's end.
+void AppActivationSupport::handleRequestLater(const InstanceRequest &request)
 {
     QMetaObject::invokeMethod(
         this, [this, request] { handleRequest(request); }, Qt::QueuedConnection);
 }
 
-void AppActivationSupport::handleRequest(Request request)
+void AppActivationSupport::handleRequest(const InstanceRequest &request)
 {
     if (!m_acceptingRequests) {
         m_earlyRequests.append(request);
         return;
     }
-    activateApp(true);
-    if (request == Request::Terminate)
+    if (request.kind == InstanceRequest::Kind::Toggle && m_active) {
+        toggleActivationWithProcessHandling();
+        return;
+    }
+    comeForward(request.token);
+    if (request.kind == InstanceRequest::Kind::Open)
+        emit requestOpenFiles(request.files);
+    else if (request.kind == InstanceRequest::Kind::Terminate)
         emit requestTermination();
+}
+
+void AppActivationSupport::comeForward(const QByteArray &token)
+{
+    m_nativeSupport->setActivationToken(token);
+    if (!m_active) {
+        activateApp(true);
+        return;
+    }
+    // It may have lost the front a moment ago, or not have got it yet.
+    if (!m_nativeSupport->areWeFrontProcess()) {
+        m_nativeSupport->captureFrontProcessForRestore();
+        m_confirmTimer.start();
+    }
+    emit activeAgain();
 }
 
 void AppActivationSupport::acceptRequests()
 {
     m_acceptingRequests = true;
-    const QList<Request> requests = std::exchange(m_earlyRequests, {});
-    for (const Request request : requests)
+    const QList<InstanceRequest> requests = std::exchange(m_earlyRequests, {});
+    for (const InstanceRequest &request : requests)
         handleRequest(request);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/activation/AppActivationSupport.h"
 
+#include "app/activation/DesktopApplication.h"
 #include "platform/NativeSupport.h"
 
 #include <QCoreApplication>

@@ -2,17 +2,20 @@
 #pragma once
 
 #include "app/activation/InstanceEndpoint.h"
+#include "app/activation/InstanceRequest.h"
 #include "app/activation/LongTimer.h"
 
 #include <QList>
 #include <QObject>
 #include <QTimer>
 #include <memory>
+#include <optional>
 
+class DesktopApplication;
 class NativeSupport;
 class QLocalServer;
-class QLocalSocket;
 class QWindow;
+class RunningInstance;
 
 /// Whether the application is in front (active) or in the background, and what changes that: the
 /// global hotkey, the automatic activation timer, and the desktop saying that the front is lost.
@@ -54,6 +57,9 @@ public:
     /// process must quit now, false when it is the one copy from now on.
     /// \throws const char* when a running copy doesn't answer.
     bool checkForOtherInstances();
+    /// A running copy gets \a request, then, and the user no question and no message box; what
+    /// goes wrong is thrown instead, as a const char*.
+    void askNoQuestions(const InstanceRequest &request);
     /// \return 0 activate, 1 terminate, 2 leave the running copy of version \a major.\a minor
     /// alone.
     int promptUserForExistingInstanceAction(int major, int minor);
@@ -90,15 +96,20 @@ signals:
     void activationChanged(bool isNowActive);
     /// Another instance asks this one to quit.
     void requestTermination();
+    /// Another instance or the desktop asks to open these files (full paths).
+    void requestOpenFiles(const QStringList &files);
+    /// The application was asked to come forward and counts as active already.
+    void activeAgain();
 
 private:
-    enum class Request { Activate, Terminate };
-
     void startActivationTimer(bool accelerateReactivation);
     bool startInstanceServer();
-    bool askRunningInstance(QLocalSocket &socket);
-    void handleRequestLater(Request request);
-    void handleRequest(Request request);
+    bool talkToRunningInstance(RunningInstance &running);
+    void askRunningInstance(RunningInstance &running);
+    void reportFailedLook();
+    void handleRequestLater(const InstanceRequest &request);
+    void handleRequest(const InstanceRequest &request);
+    void comeForward(const QByteArray &token);
 
     bool m_active = false;
     LongTimer m_activationTimer{this};
@@ -106,6 +117,8 @@ private:
     NativeSupport *m_nativeSupport;
     InstanceEndpoint m_endpoint;
     std::unique_ptr<QLocalServer> m_instanceServer;
+    std::unique_ptr<DesktopApplication> m_desktopApplication;
+    std::optional<InstanceRequest> m_unaskedRequest;
     bool m_acceptingRequests = false;
-    QList<Request> m_earlyRequests; ///< Came while start-up was still busy.
+    QList<InstanceRequest> m_earlyRequests; ///< Came while start-up was still busy.
 };

@@ -6,20 +6,13 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-namespace
+QString InstanceEndpoint::name()
 {
-/// The maker's domain, reversed, and the program's name.
-QString endpointName()
-{
-    QStringList parts = QString::fromLatin1(Maker::domain).split(u'.');
-    std::reverse(parts.begin(), parts.end());
-    return parts.join(u'.') + u".Brindle"_s;
+    return QString::fromLatin1(Maker::applicationId);
 }
-} // namespace
 
 QString InstanceEndpoint::folder()
 {
@@ -33,7 +26,7 @@ QString InstanceEndpoint::folder()
 
 QString InstanceEndpoint::socketPath()
 {
-    return folder() + u'/' + endpointName();
+    return folder() + u'/' + name();
 }
 
 bool InstanceEndpoint::claim()

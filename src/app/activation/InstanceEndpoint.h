@@ -10,6 +10,9 @@
 class InstanceEndpoint
 {
 public:
+    /// The socket's name; desktops know the program by the same one.
+    static QString name();
+
     /// Full path of the socket.
     QString socketPath();
 

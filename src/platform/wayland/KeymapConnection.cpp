@@ -3,6 +3,7 @@
 
 #include "platform/PlatformLog.h"
 
+#include <poll.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <wayland-client.h>
@@ -107,12 +108,28 @@ void KeymapConnection::askForSeat()
         wl_display_roundtrip(m_display.get());
 }
 
+const std::optional<XkbKeymapReader> &KeymapConnection::keymap()
+{
+    // With a key of another keyboard its map comes, too: the key is perhaps known already to who
+    // asks here, while the map still waits to be read.
+    read();
+    return m_keymap;
+}
+
 void KeymapConnection::read()
 {
-    if (wl_display_dispatch(m_display.get()) < 0)
-        m_notifier.setEnabled(false);
+    wl_display *display = m_display.get();
+    while (wl_display_prepare_read(display) != 0)
+        wl_display_dispatch_pending(display);
+    wl_display_flush(display);
+    pollfd waiting{wl_display_get_fd(display), POLLIN, 0};
+    if (poll(&waiting, 1, 0) > 0)
+        wl_display_read_events(display);
     else
-        wl_display_flush(m_display.get());
+        wl_display_cancel_read(display);
+    if (wl_display_dispatch_pending(display) < 0)
+        m_notifier.setEnabled(false);
+    wl_display_flush(display);
 }
 
 void KeymapConnection::bindSeat(quint32 name)

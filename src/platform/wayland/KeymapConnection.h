@@ -25,8 +25,8 @@ public:
 
     ~KeymapConnection() override;
 
-    /// The keyboard's current map; nothing while the compositor has told none.
-    const std::optional<XkbKeymapReader> &keymap() const { return m_keymap; }
+    /// The keyboard's map as the compositor has told it up to now; nothing when it has told none.
+    const std::optional<XkbKeymapReader> &keymap();
 
 private:
     struct Release {

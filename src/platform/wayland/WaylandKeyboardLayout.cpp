@@ -21,10 +21,14 @@ WaylandKeyboardLayout::~WaylandKeyboardLayout() = default;
 
 PhysicalKey WaylandKeyboardLayout::physicalKey(const QKeyEvent &event)
 {
-    if (!m_connection || !m_connection->keymap())
+    if (!m_connection)
+        return KeyboardLayout::physicalKey(event);
+    const std::optional<XkbKeymapReader> &keymap = m_connection->keymap();
+    if (!keymap)
         return KeyboardLayout::physicalKey(event);
     // Which group is active only the window in front is told, in a form the toolkit keeps.
-    const XkbKeymapReader &keymap = *m_connection->keymap();
     const quint32 code = event.nativeScanCode();
-    return keymap.physicalKey(code, keymap.groupOf(code, event.key()));
+    PhysicalKey key = keymap->physicalKey(code, keymap->groupOf(code, event.key()));
+    key.altGr = keymap->holdsAltGr(event.nativeModifiers());
+    return key;
 }

@@ -70,6 +70,7 @@ bool WaylandSupport::attach()
     m_hotkey = std::make_unique<PortalHotkey>();
     connect(m_hotkey.get(), &PortalHotkey::pressed, this, [this](const QByteArray &token) {
         setActivationToken(token);
+        m_front->settleNow();
         emit hotKeyPressed();
     });
     return true;

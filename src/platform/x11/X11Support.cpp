@@ -10,6 +10,22 @@
 #include "platform/x11/X11Hotkey.h"
 
 #include <QCoreApplication>
+#include <utility>
+
+namespace
+{
+/// A startup notification id ends in the X server's time of the click or key press behind it.
+std::optional<quint32> timeOf(const QByteArray &startupId)
+{
+    constexpr QByteArrayView mark("_TIME");
+    const qsizetype start = startupId.lastIndexOf(mark);
+    if (start == -1)
+        return std::nullopt;
+    bool isNumber = false;
+    const quint32 time = startupId.mid(start + mark.size()).toUInt(&isNumber);
+    return isNumber && time != 0 ? std::optional(time) : std::nullopt;
+}
+} // namespace
 
 std::unique_ptr<NativeSupport> X11Support::open()
 {
@@ -84,12 +100,19 @@ void X11Support::requestFront(QWindow *window)
     m_requests->request(window);
 }
 
+void X11Support::setActivationToken(const QByteArray &token)
+{
+    m_tokenTime = timeOf(token);
+}
+
 void X11Support::bringForward(const QWindow *window)
 {
     // With the time of the press that caused it, what the user did since then wins; the activation
     // timer has no such time.
-    const std::optional<quint32> pressTime = m_hotkey->freshPressTime();
+    std::optional<quint32> time = std::exchange(m_tokenTime, std::nullopt);
+    if (const std::optional<quint32> pressTime = m_hotkey->freshPressTime())
+        time = pressTime;
     m_front->bringToWorkspaceInSight(static_cast<quint32>(window->winId()));
     m_front->bringForward(static_cast<quint32>(window->winId()),
-                          pressTime ? *pressTime : m_front->serverTime());
+                          time ? *time : m_front->serverTime());
 }

@@ -30,6 +30,7 @@ public:
     void restoreCapturedProcess() override;
     void setActivationHotkey(unsigned int virtualKey) override;
     void requestFront(QWindow *window) override;
+    void setActivationToken(const QByteArray &token) override;
 
 private:
     struct Captured {
@@ -44,6 +45,7 @@ private:
 
     std::unique_ptr<FrontWindow> m_front;
     std::optional<Captured> m_captured;
+    std::optional<quint32> m_tokenTime; ///< When the user asked for what comes forward next.
     QPointer<QCoreApplication> m_attachedTo;
     std::unique_ptr<FrontWatch> m_watch;
     std::unique_ptr<LateMapping> m_lateMapping;

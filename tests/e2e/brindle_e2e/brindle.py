@@ -110,13 +110,23 @@ class Brindle:
         self.wait_until_in_front()
 
     def wait_until_in_front(self, timeout=None):
-        wait_for(lambda: self.desktop.screen.active_window() == self.window and self.has_keyboard(),
+        wait_for(lambda: self.has_front() and self.has_keyboard(),
                  "the main window in front, with the keyboard", timeout)
 
+    def has_front(self):
+        """Whether the main window is the one in front, in the desktop's eyes."""
+        return self.is_on_the_screen() and self.desktop.screen.active_window() == self.window
+
+    def is_on_the_screen(self):
+        """Whether the desktop has the main window; it knows, also while the program is busy."""
+        if not self.desktop.screen.is_managed(self.window):
+            # Not every desktop knows a window again that was hidden.
+            self.window = self.desktop.screen.shown_again(self.window, self.pid)
+        return self.desktop.screen.is_managed(self.window)
+
     def wait_until_hidden(self, timeout=None):
-        # The window manager knows, also while the program is too busy to answer.
         def hidden():
-            return not self.desktop.screen.is_managed(self.window)
+            return not self.is_on_the_screen()
 
         wait_for(hidden, "the main window hidden", timeout)
         # Nobody's hands are quicker than this; what happens to quicker ones has a test of its own.
@@ -160,7 +170,7 @@ class Brindle:
         self.wait_until_hidden()
 
     def bring_back(self):
-        self.keys("ctrl+alt+space")
+        self.desktop.press_hotkey()
         wait_for(self.is_shown, "the main window after the hotkey")
         self.wait_until_in_front()
 

@@ -107,7 +107,13 @@ class BrindleTestCase(unittest.TestCase):
         folder = os.path.join(ARTIFACTS, "".join(c if c.isalnum() or c in "-_." else "_" for c in name))
         shutil.rmtree(folder, ignore_errors=True)
         os.makedirs(folder)
-        self.desktop.picture(os.path.join(folder, "screen.png"))
+        for name in os.listdir(self.desktop.folder):
+            if name.endswith(".log"):
+                shutil.copy(os.path.join(self.desktop.folder, name), folder)
+        try:
+            self.desktop.picture(os.path.join(folder, "screen.png"))
+        except Exception as error:  # a desktop that is gone must not hide how it went
+            print(f"no picture of the screen: {error}", flush=True)
         shutil.copytree(self.home.folder, os.path.join(folder, "home"), symlinks=True,
                         ignore=shutil.ignore_patterns("runtime", "cache", "example.*"),
                         ignore_dangling_symlinks=True)

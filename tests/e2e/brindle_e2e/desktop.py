@@ -2,14 +2,12 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
-import re
 
 from . import managers
 from .screen import Screen
-from .session import Session
+from .session import Session, key_codes
 from .waiting import wait_for
 
-_MODIFIER_CODES = {"ctrl": 37, "shift": 50, "alt": 64, "altgr": 108}
 
 
 class Desktop(Session):
@@ -28,15 +26,18 @@ class Desktop(Session):
     def keys(self, *names):
         """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
 
-        One that ends in a key code ('ctrl+61', at least two digits) means the key at that place of
-        the keyboard, whatever the layout makes of it.
+        Or by their place on the keyboard, see key_codes().
         """
         for name in names:
-            if re.fullmatch(r"(\w+\+)*\d\d+", name):
-                self.screen.press_codes(*(_MODIFIER_CODES.get(part) or int(part)
-                                          for part in name.split("+")))
+            codes = key_codes(name)
+            if codes:
+                self.screen.press_codes(*codes)
             else:
                 self._xdotool("key", "--delay", "0", name)
+
+    def press_hotkey(self):
+        """Presses the program's activation hotkey as it is without settings."""
+        self.keys("ctrl+alt+space")
 
     def press(self, *names):
         """Presses keys and holds them."""
@@ -114,9 +115,10 @@ class Desktop(Session):
     def _start_x_server(self):
         read_end, write_end = os.pipe()
         log = open(os.path.join(self.folder, "xvfb.log"), "wb")
-        self.run(["Xvfb", "-displayfd", str(write_end), "-screen", "0",
-                  f"{self._width}x{self._height}x24", "-nolisten", "tcp", "-noreset"],
-                 pass_fds=(write_end,), stdout=log, stderr=log)
+        self.display_server = self.run(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0",
+             f"{self._width}x{self._height}x24", "-nolisten", "tcp", "-noreset"],
+            pass_fds=(write_end,), stdout=log, stderr=log)
         os.close(write_end)
         log.close()
         with os.fdopen(read_end) as answer:

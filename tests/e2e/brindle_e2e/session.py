@@ -2,6 +2,7 @@
 """What every desktop for a test has: a folder, an environment, a session bus, an accessibility bus."""
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -13,6 +14,18 @@ from .waiting import wait_for
 _A11Y_LAUNCHERS = ("/usr/libexec/at-spi-bus-launcher", "/usr/lib/at-spi2-core/at-spi-bus-launcher")
 _INHERITED = ("PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
 
+_MODIFIER_CODES = {"ctrl": 37, "shift": 50, "alt": 64, "altgr": 108}
+
+
+def key_codes(name):
+    """The codes of a combination that ends in one ('ctrl+61', at least two digits), else None.
+
+    Such a name means the key at that place of the keyboard, whatever the layout makes of it.
+    """
+    if not re.fullmatch(r"(\w+\+)*\d\d+", name):
+        return None
+    return [_MODIFIER_CODES.get(part) or int(part) for part in name.split("+")]
+
 
 class Session:
     """Use as a context manager, or start() and stop(); stop() also cleans up after a failed start."""
@@ -22,6 +35,7 @@ class Session:
 
     def __init__(self):
         self._processes = []
+        self.display_server = None  # the process that everything on the screen depends on
         self.folder = None
         self.env = None
         self.screen = None

@@ -74,6 +74,12 @@ class SwayScreen:
         outer, inner = view["rect"], view["window_rect"]
         return (outer["x"] + inner["x"], outer["y"] + inner["y"], inner["width"], inner["height"])
 
+    def shown_again(self, window_id, pid):
+        """The id that the program's main window has by now: each showing makes a new window."""
+        return next((view["id"] for view in self._views() if view["pid"] == pid
+                     and (view["name"] == "Brindle" or view["name"].startswith("Brindle ("))),
+                    window_id)
+
     def shows(self, window_id, node):
         """Whether a window is that of a node. A program doesn't know where its windows are."""
         return (self.title(window_id) == node.name

@@ -3,8 +3,9 @@
 
 import os
 import subprocess
+import tempfile
 
-from .session import Session
+from .session import Session, key_codes
 from .sway import SwayScreen
 from .waiting import wait_for
 
@@ -13,9 +14,10 @@ HANDS = os.path.abspath(os.environ.get("BRINDLE_WAYLAND_HANDS", os.path.join(
     _REPOSITORY, "build", "release", "tests", "wayland", "brindle_wayland_hands")))
 
 FLOATING = 'for_window [app_id=".*"] floating enable\n'
+BACKGROUND = "#315c5c"
 _CONFIGURATION = """
 xwayland disable
-output * bg #315c5c solid_color
+output * bg {background} solid_color
 output HEADLESS-1 resolution {width}x{height}
 focus_follows_mouse no
 mouse_warping none
@@ -43,6 +45,13 @@ _LEFT_BUTTON = 272
 _NOBODY = 65534
 
 
+def _words_for_wtype(combination):
+    *modifiers, key = combination.split("+")
+    assert set(modifiers) <= set(_MODIFIERS), combination
+    return [*(word for modifier in modifiers for word in ("-M", modifier)), "-k", key,
+            *(word for modifier in reversed(modifiers) for word in ("-m", modifier))]
+
+
 class WaylandDesktop(Session):
     """Like Desktop, on Wayland: the compositor is sway, keys come from wtype.
 
@@ -54,26 +63,42 @@ class WaylandDesktop(Session):
     def __init__(self, width=1280, height=800, configuration=FLOATING):
         super().__init__()
         self._width, self._height = width, height
-        self._configuration = _CONFIGURATION.format(width=width, height=height) + configuration
-        self.compositor = None
+        self._configuration = _CONFIGURATION.format(
+            width=width, height=height, background=BACKGROUND) + configuration
+        self.hotkey = None  # what the activation hotkey does: it is not the compositor's to know
         self._hands = None
 
     # What a user's hands do.
 
     def keys(self, *names):
-        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k')."""
-        arguments = []
+        """Presses key combinations one after the other, in xdotool's spelling ('ctrl+shift+k').
+
+        Or by their place on the keyboard of layout(), see key_codes().
+        """
         for name in names:
-            *modifiers, key = name.split("+")
-            assert set(modifiers) <= set(_MODIFIERS), name
-            arguments += [word for modifier in modifiers for word in ("-M", modifier)]
-            arguments += ["-k", key]
-            arguments += [word for modifier in reversed(modifiers) for word in ("-m", modifier)]
-        self._tool("wtype", *arguments)
+            codes = key_codes(name)
+            if codes:
+                self._press_codes(codes)
+            else:
+                self._tool("wtype", *_words_for_wtype(name))
+
+    def layout(self, *arguments):
+        """Gives the keyboard with places another layout, in setxkbmap's words."""
+        options = dict(zip(arguments[::2], arguments[1::2]))
+        self._command_hands("layout", options["-layout"], options.get("-option", ""))
+
+    def _press_codes(self, codes):
+        for code in codes:
+            self._command_hands("key", code)
+        for code in reversed(codes):
+            self._command_hands("unkey", code)
 
     def write(self, text):
         if text:
             self._tool("wtype", "-d", "2", "--", text)
+
+    def press_hotkey(self):
+        self.hotkey()
 
     def click(self, x, y, button=_LEFT_BUTTON):
         self._move(x, y)
@@ -103,7 +128,22 @@ class WaylandDesktop(Session):
         """A terminal that has the front; what is typed into it ends in the file given back."""
         return self._start_other_program(
             ["foot", "--config=/dev/null", "--log-level=none", f"--title={name}",
-             "--override=locked-title=yes", "--override=font=DejaVu Sans Mono:size=9", "--window-size-chars=60x8"], name)
+             "--override=locked-title=yes", "--override=font=DejaVu Sans Mono:size=9",
+             "--window-size-chars=60x8"], name)
+
+    def bind_key(self, combination, command, extra_env=None):
+        """Binds a key to a command as a user does in the compositor's configuration.
+
+        The compositor may run as another user than the programs (see below), so it only says that
+        the key was pressed, and a process beside the programs runs the command.
+        """
+        presses = os.path.join(tempfile.mkdtemp(dir=self.folder), "presses")
+        os.chmod(os.path.dirname(presses), 0o711)
+        os.mkfifo(presses)
+        os.chmod(presses, 0o622)
+        self.screen.command(f"bindsym {combination} exec echo pressed >{presses}")
+        return self.run(["sh", "-c", 'presses=$1; shift; while read -r _ <"$presses"; do "$@"; done',
+                         "sh", presses, *command], extra_env)
 
     # Starting the parts.
 
@@ -122,8 +162,10 @@ class WaylandDesktop(Session):
         env = {"HOME": runtime, "XDG_RUNTIME_DIR": runtime, "SWAYSOCK": socket_path,
                "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}
         with open(os.path.join(self.folder, "sway.log"), "wb") as log:
-            self.compositor = self.run(
-                [*_without_privileges(), "sway", "-c", os.path.join(self.folder, "sway.conf")],
+            self.display_server = self.run(
+                # Without waiting for each other's pictures: the mouse would miss windows meanwhile.
+                [*_without_privileges(), "sway", "-D", "noatomic", "-c",
+                 os.path.join(self.folder, "sway.conf")],
                 env, stdout=log, stderr=log)
         wait_for(lambda: os.path.exists(socket_path), "the compositor")
         self.env["WAYLAND_DISPLAY"] = wait_for(lambda: _display_in(runtime), "the display's socket")

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppLifecycle.h"
-#include "fakes/RecordingNativeSupport.h"
-#include "fakes/TestSettings.h"
+
+#include "RunningProgram.h"
 #include "model/TodoListModel.h"
-#include "store/DiskStore.h"
 #include "ui/FindWindow.h"
-#include "ui/HierarchyWindow.h"
 #include "ui/TodoListWindow.h"
 
 #include <QListView>
-#include <QPlainTextEdit>
 #include <QSplashScreen>
 #include <QtTest>
 
@@ -17,55 +14,6 @@ using namespace Qt::StringLiterals;
 
 namespace
 {
-/// The whole program but for its desktop, on a data file with the children "one" and "two".
-class RunningProgram
-{
-public:
-    RunningProgram()
-    {
-        const QString path = settings.filePath(u"a.bdl"_s);
-        {
-            DiskStore store(path);
-            const long long root = store.getEntryId(-1, 0);
-            store.insertEntry(root, u"one"_s, 0, EntryState::Todo, {});
-            second = store.insertEntry(root, u"two"_s, 1, EntryState::Todo, {});
-            store.commitAndRestartTransaction();
-        }
-        QSettings stored;
-        stored.setValue(u"loadfiles/0"_s, path);
-        stored.setValue(u"dontcheckforupdates"_s, true);
-        stored.setValue(u"appstarted"_s, true);
-        stored.sync();
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(settings.filePath(u"run"_s)));
-    }
-
-    void start()
-    {
-        lifecycle = std::make_unique<AppLifecycle>(qApp, &native, QStringList());
-        lifecycle->startup();
-    }
-
-    template <typename Window> static Window *window()
-    {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        for (QWidget *candidate : windows) {
-            if (auto *found = qobject_cast<Window *>(candidate))
-                return found;
-        }
-        return nullptr;
-    }
-
-    static QPlainTextEdit *editor()
-    {
-        return window<HierarchyWindow>()->findChild<QPlainTextEdit *>();
-    }
-
-    TestSettings settings;
-    RecordingNativeSupport native;
-    std::unique_ptr<AppLifecycle> lifecycle;
-    qint64 second = -1;
-};
-
 /// Notes when a window is raised, among what else the test notes.
 class RaiseNote : public QObject
 {
@@ -104,6 +52,7 @@ private slots:
     void aJumpActivatesTheMainWindowBeforeTheModelMoves();
     void anEntryIsOnTheListBeforeTheListShowsIt();
     void theHotkeyTogglesTheApplication();
+    void theDesktopKnowsItsMenuEntry();
     void theEndClosesTheFilesAndLeavesTheSettings();
 };
 
@@ -214,6 +163,13 @@ void AppLifecycleTest::theHotkeyTogglesTheApplication()
     program.native.pressHotkey();
     QVERIFY(mainWindow->isVisible());
     QCOMPARE(program.native.captures, 1);
+}
+
+void AppLifecycleTest::theDesktopKnowsItsMenuEntry()
+{
+    RunningProgram program;
+    program.start();
+    QCOMPARE(QGuiApplication::desktopFileName(), u"example.osterlane.Brindle"_s);
 }
 
 void AppLifecycleTest::theEndClosesTheFilesAndLeavesTheSettings()

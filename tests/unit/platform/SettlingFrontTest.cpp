@@ -35,6 +35,7 @@ private slots:
     void whoNeverWasInFrontIsNot();
     void aMomentWithoutAnybodyInFrontIsNoLoss();
     void aLossThatLastsIsToldOnce();
+    void aLossIsToldAtOnceWhenTheUserActsOnIt();
     void comingForwardSurvivesTheWindowsThatClose();
     void comingForwardInVainEndsInTime();
     void whoCameForwardLosesTheFrontAsUsual();
@@ -77,6 +78,23 @@ void SettlingFrontTest::aLossThatLastsIsToldOnce()
     m_inFront = false;
     QVERIFY(front.areWeInFront());
     QTRY_COMPARE(losses.count, 1);
+    QVERIFY(!front.areWeInFront());
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QCOMPARE(losses.count, 1);
+}
+
+void SettlingFrontTest::aLossIsToldAtOnceWhenTheUserActsOnIt()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    m_inFront = true;
+    QVERIFY(front.areWeInFront());
+    front.settleNow();
+    QCOMPARE(losses.count, 0);
+    m_inFront = false;
+    QVERIFY(front.areWeInFront());
+    front.settleNow();
+    QCOMPARE(losses.count, 1);
     QVERIFY(!front.areWeInFront());
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
     QCOMPARE(losses.count, 1);

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "app/activation/InstanceRequest.h"
+
+#include <memory>
+
+/// The running copy, as another copy reaches it over the session bus: for what its socket has no
+/// words for. Blocks, and needs no event loop.
+class BusInstance
+{
+public:
+    BusInstance();
+    ~BusInstance();
+
+    /// Whether a copy can be reached this way; never starts one.
+    bool isThere() const;
+    /// Sends Activate, Toggle or Open, with what the environment holds as proof of the user's
+    /// action. \return whether the copy has taken it.
+    bool send(const InstanceRequest &request) const;
+
+    /// Whether the environment holds such a proof.
+    static bool hasActivationToken();
+
+private:
+    class Bus;
+    std::unique_ptr<Bus> m_bus;
+};

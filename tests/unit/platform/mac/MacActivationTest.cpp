@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+// The program's own activation over the Mac's desktop, as start-up puts them together.
+#include "app/activation/AppActivationSupport.h"
+#include "fakes/TestSettings.h"
+#include "fakes/mac/FakeMac.h"
+#include "platform/mac/MacSupport.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr UInt32 commandControl = 0x1100;
+
+struct Bench {
+    FakeMac mac;
+    TestSettings settings;
+    MacSupport desktop;
+    AppActivationSupport activation{&desktop};
+    QSignalSpy changes{&activation, &AppActivationSupport::activationChanged};
+
+    Bench()
+    {
+        QObject::connect(&desktop, &NativeSupport::hotKeyPressed, &activation,
+                         &AppActivationSupport::toggleActivationWithProcessHandling);
+    }
+
+    void comeForward() { mac.frontProcess = mac.currentProcess; }
+    bool lastChange() const { return changes.last().first().toBool(); }
+};
+
+} // namespace
+
+class MacActivationTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anEmptySettingsStoreRegistersTheSpaceBar();
+    void aPressBringsForwardAndTheNextGivesTheFrontBack();
+    void eachPressCapturesAnew();
+    void theSettingsDialogsKeyReplacesTheRegisteredOne();
+    void losingTheFrontStepsBackWithoutHandingItAnywhere();
+    void thePrefixIsThatOfTheMac();
+};
+
+void MacActivationTest::anEmptySettingsStoreRegistersTheSpaceBar()
+{
+    Bench bench;
+    bench.activation.installHotkey();
+    QCOMPARE(bench.mac.registeredHotKeys().size(), std::size_t(1));
+    QCOMPARE(bench.mac.registeredHotKeys().front()->keyCode, 49u);
+}
+
+void MacActivationTest::aPressBringsForwardAndTheNextGivesTheFrontBack()
+{
+    Bench bench;
+    bench.activation.installHotkey();
+    bench.mac.frontProcess = {5, 6};
+    bench.mac.pressKey(49, commandControl);
+    QCOMPARE(bench.changes.count(), 1);
+    QVERIFY(bench.lastChange());
+    QVERIFY(bench.mac.frontings.empty());
+    bench.comeForward();
+    bench.mac.pressKey(49, commandControl);
+    QCOMPARE(bench.changes.count(), 2);
+    QVERIFY(!bench.lastChange());
+    QCOMPARE(bench.mac.frontings.size(), std::size_t(1));
+    QCOMPARE(bench.mac.frontings.front().process.lowLongOfPSN, 6u);
+}
+
+void MacActivationTest::eachPressCapturesAnew()
+{
+    Bench bench;
+    bench.activation.installHotkey();
+    for (UInt32 program : {6u, 7u}) {
+        bench.mac.frontProcess = {5, program};
+        bench.mac.pressKey(49, commandControl);
+        bench.comeForward();
+        bench.mac.pressKey(49, commandControl);
+        QCOMPARE(bench.mac.frontings.back().process.lowLongOfPSN, program);
+    }
+}
+
+void MacActivationTest::theSettingsDialogsKeyReplacesTheRegisteredOne()
+{
+    Bench bench;
+    bench.activation.installHotkey();
+    bench.activation.setHotkeyKey(Qt::Key_Return, 36);
+    QCOMPARE(bench.mac.pressKey(49, commandControl), 0);
+    QCOMPARE(bench.mac.pressKey(36, commandControl), 1);
+    QVERIFY(bench.activation.isAppActive());
+}
+
+void MacActivationTest::losingTheFrontStepsBackWithoutHandingItAnywhere()
+{
+    Bench bench;
+    bench.activation.installHotkey();
+    bench.mac.pressKey(49, commandControl);
+    bench.comeForward();
+    QEvent event(QEvent::ApplicationDeactivate);
+    QCoreApplication::sendEvent(qApp, &event);
+    QVERIFY(bench.activation.isAppActive()); // one of our own windows was in the way
+    bench.mac.frontProcess = {5, 6};
+    QCoreApplication::sendEvent(qApp, &event);
+    QVERIFY(!bench.activation.isAppActive());
+    QVERIFY(bench.mac.frontings.empty());
+}
+
+void MacActivationTest::thePrefixIsThatOfTheMac()
+{
+    Bench bench;
+    QCOMPARE(bench.activation.getActivationHotkeyPrefix(), u"\u2318\u2303"_s);
+}
+
+QTEST_GUILESS_MAIN(MacActivationTest)
+#include "MacActivationTest.moc"
