@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QSettings>
 #include <QTimer>
@@ -58,6 +59,8 @@ private:
 
     void beginToSettle();
     void settle();
+    void fitCorrection();
+    void saveLater(const QEvent &change);
     void savePendingPlace();
     void moveOntoScreen();
     bool standsAtCorrectedPlace();
@@ -66,5 +69,7 @@ private:
     QSettings m_settings;
     QTimer *m_saveTimer;
     std::optional<Correction> m_correction;
-    std::optional<QPoint> m_settlingAt; ///< Just shown: where the frame is to be.
+    QTimer *m_settleTimer; ///< Runs for a while after the window was shown.
+    QDeadlineTimer m_settled;
+    QPoint m_settlingAt; ///< Where the frame is to be meanwhile.
 };
