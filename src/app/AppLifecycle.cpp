@@ -212,6 +212,14 @@ void AppLifecycle::connectActivation()
                 openFilesOnceNothingIsAsked();
             });
     connect(activation, &AppActivationSupport::activeAgain, this, &AppLifecycle::comeForwardAgain);
+    // Asked for during the splash screen, the main window would stand in front of the picture.
+    connect(
+        activation, &AppActivationSupport::activationChanged, this,
+        [this](bool isNowActive) {
+            if (isNowActive)
+                stopSplashScreen();
+        },
+        Qt::QueuedConnection);
     connect(activation, &AppActivationSupport::activationChanged, m_todoListWindow.get(),
             &AbstractWindow::hideOnDeactivate);
     connect(activation, &AppActivationSupport::activationChanged, m_findWindow.get(),
@@ -364,11 +372,14 @@ void AppLifecycle::activate()
 
 void AppLifecycle::comeForwardAgain()
 {
-    // A window of ours that has the keyboard keeps it: a list may be in use.
-    if (QApplication::activeWindow() && m_nativeSupport->areWeFrontProcess())
-        return;
-    m_mainWindow->activate();
-    m_activationSupport->requestFront(m_mainWindow->windowHandle());
+    // The window that had the keyboard last, a list perhaps. The toolkit learns only after a while
+    // that another program has taken it, so the desktop is asked in any case.
+    QWidget *window = QApplication::activeWindow();
+    if (!window) {
+        m_mainWindow->activate();
+        window = m_mainWindow.get();
+    }
+    m_activationSupport->requestFront(window->windowHandle());
 }
 
 void AppLifecycle::shutdown()

@@ -5,8 +5,9 @@ import os
 import signal
 import time
 
-from brindle_e2e import datafile
+from brindle_e2e import datafile, managers
 from brindle_e2e.case import BrindleTestCase, main
+from brindle_e2e.desktop import Desktop
 from brindle_e2e.waiting import stays, wait_for, wait_until_stays
 
 HOTKEY = "ctrl+alt+space"
@@ -318,6 +319,59 @@ class Workspaces(ActivationTestCase):
         brindle.wait_until_hidden()
         wait_for(lambda: self.desktop.screen.active_window() == other.window, "the one over there")
         self.assertEqual(self.desktop.screen.current_workspace(), 1)
+
+
+class FocusFollowsPointer(ActivationTestCase):
+    """Pointing at a window gives it the keyboard."""
+
+    @classmethod
+    def make_desktop(cls):
+        return Desktop(manager=managers.chosen().following_the_pointer())
+
+    def start_and_point_at_the_window(self):
+        self.desktop.point_at(640, 20)
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        self.here = self.middle(brindle.window)
+        self.there = self.spot_of_the_other_program(brindle)
+        self.desktop.point_at(*self.here)
+        brindle.wait_until_in_front()
+        return brindle
+
+    def middle(self, window):
+        x, y, width, height = self.desktop.screen.place(window)
+        return x + width // 2, y + height // 2
+
+    def spot_of_the_other_program(self, brindle):
+        """A place where the other program isn't covered: its lower right corner."""
+        x, y, width, height = self.desktop.screen.place(self.other.window)
+        return x + width - 10, y + height - 10
+
+    def test_the_pointer_may_cross_another_window(self):
+        brindle = self.start_and_point_at_the_window()
+        for _ in range(3):
+            with self.desktop.screen.front_changes() as changes:
+                self.desktop.cross(self.there, self.here, pause=0.08)
+                wait_for(lambda: changes() >= 2, "the front going there and coming back")
+            stays(lambda: self.desktop.screen.is_managed(brindle.window), "the main window stays", 0.6)
+        brindle.wait_until_in_front()
+        self.desktop.write("!")
+        brindle.expect_text("First!")
+
+    def test_left_in_another_window_the_pointer_hides_ours(self):
+        brindle = self.start_and_point_at_the_window()
+        self.desktop.point_at(*self.there)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello")
+        self.desktop.keys(HOTKEY)
+        wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+        brindle.wait_until_in_front()
+        stays(lambda: self.desktop.screen.active_window() == brindle.window,
+              "in front although the pointer is elsewhere", 1)
+        self.desktop.keys("Escape")
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("hello again")
 
 
 class Confirmation(ActivationTestCase):

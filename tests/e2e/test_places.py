@@ -5,6 +5,11 @@ from brindle_e2e import datafile
 from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.datafile import Entry
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
+from brindle_e2e.windows import (FIND, HELP, OPENING_KEYS, REPORT_RANGE, SETTINGS, TODO_LIST,
+                                 WindowsTestCase)
+
+STORED_NAMES = {TODO_LIST: "TodoListWindow", FIND: "FindWindow"}
+RESIZABLE = (TODO_LIST, FIND)
 
 
 class Places(BrindleTestCase):
@@ -29,7 +34,7 @@ class Places(BrindleTestCase):
             brindle.keys("Escape")
             brindle.wait_until_hidden()
             brindle.bring_back()
-            self.assertEqual(self.place(brindle), wanted, f"in round {round_number}")
+            wait_for_value(lambda: self.place(brindle), wanted, f"the place in round {round_number}")
         self.assertEqual(brindle.quit(), 0)
         brindle = self.start()
         wait_for_value(lambda: self.place(brindle), wanted, "the place after the restart")
@@ -70,6 +75,58 @@ class Places(BrindleTestCase):
             brindle.wait_until_in_front()
             self.assertEqual(self.place(brindle), start, f"after {key}")
         stays(lambda: self.place(brindle) == start, "the size stays", 1)
+
+
+class ToolWindowPlaces(WindowsTestCase):
+    def start_on_work(self):
+        return self.start_quietly(datafile.create(self.home.path("work.bdl"), "One"))
+
+    def test_windows_of_fixed_size_never_wander_between_showings_and_starts(self):
+        brindle = self.start_on_work()
+        places = {}
+        for start in range(3):
+            for title in (HELP, SETTINGS, REPORT_RANGE):
+                for showing in range(2):
+                    with self.subTest(window=title, start=start, showing=showing):
+                        window = self.open(brindle, OPENING_KEYS[title], title)
+                        # The window manager frames it, and its place is stored after a while.
+                        stays(window.is_shown, "longer than the pause before storing", 0.8)
+                        place = self.desktop.screen.place(window.id)
+                        self.assertEqual(place, places.setdefault(title, place))
+                        self.close(window)
+            brindle.keys("ctrl+q")
+            self.assertEqual(brindle.wait_for_exit(), 0)
+            brindle = self.start()
+
+    def test_the_lists_come_back_at_their_places_also_after_a_restart(self):
+        brindle = self.start_on_work()
+        places = {}
+        for index, title in enumerate(RESIZABLE):
+            window = self.open(brindle, OPENING_KEYS[title], title)
+            place = places[title] = (60 + 20 * index, 90 + 10 * index, 333, 222)
+            self.desktop.screen.move_resize(window.id, *place)
+            wait_for_value(lambda: self.desktop.screen.place(window.id), place, f"{title} moved")
+            stays(window.is_shown, "longer than the pause before storing", 0.8)
+            # The window manager's frame is 16 to 40 pixels high.
+            stored = wait_for(lambda: self.home.stored_place(STORED_NAMES[title]), "its place stored")
+            self.assertEqual(stored[2:], place[2:])
+            self.assertTrue(0 <= place[0] - stored[0] < 10 and 10 < place[1] - stored[1] < 45,
+                            (stored, place))
+            self.close(window)
+        for round_number in range(2):
+            for title in RESIZABLE:
+                with self.subTest(window=title, round=round_number):
+                    window = self.open(brindle, OPENING_KEYS[title], title)
+                    wait_for_value(lambda: self.desktop.screen.place(window.id), places[title],
+                                   f"the place of {title}")
+                    # It does not wander off either, nor is another place stored.
+                    stays(lambda: self.desktop.screen.place(window.id) == places[title],
+                          f"the place of {title}", 0.7)
+                    self.close(window)
+            if round_number == 0:
+                brindle.keys("ctrl+q")
+                self.assertEqual(brindle.wait_for_exit(), 0)
+                brindle = self.start()
 
 
 if __name__ == "__main__":

@@ -7,13 +7,9 @@ from brindle_e2e import datafile
 from brindle_e2e.case import main
 from brindle_e2e.datafile import DONE, WONT_DO, Entry
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
-from brindle_e2e.windows import (FIND, HELP, REPORT, REPORT_RANGE, SETTINGS, TODO_LIST, Window,
+from brindle_e2e.windows import (FIND, HELP, OPENING_KEYS, REPORT, REPORT_RANGE, SETTINGS, TODO_LIST, Window,
                                  WindowsTestCase)
 
-OPENING_KEYS = {TODO_LIST: "ctrl+e", FIND: "ctrl+f", REPORT_RANGE: "ctrl+r",
-                SETTINGS: "ctrl+comma", HELP: "ctrl+slash"}
-STORED_NAMES = {TODO_LIST: "TodoListWindow", FIND: "FindWindow"}
-RESIZABLE = (TODO_LIST, FIND)
 HIDE_WITH_THE_APPLICATION = (TODO_LIST, FIND)
 
 
@@ -267,7 +263,7 @@ class SettingsDialog(WindowsTestCase):
                        "no checks for updates stored")
 
 
-class Family(WindowsTestCase):
+class FamilyTestCase(WindowsTestCase):
     def start_family(self, more_settings=""):
         path = datafile.create(self.home.path("work.bdl"), "One", "Two", "Three")
         return self.start_quietly(path, more_settings=more_settings)
@@ -279,6 +275,8 @@ class Family(WindowsTestCase):
         brindle.keys("Escape")
         window.wait_until_hidden()
 
+
+class Family(FamilyTestCase):
     def test_each_command_works_from_each_window(self):
         brindle = self.start_family()
         for source, source_keys in OPENING_KEYS.items():
@@ -293,6 +291,8 @@ class Family(WindowsTestCase):
                     brindle.keys(target_keys)
                     other.wait_until_in_front()
                     self.hide(other)
+                    # The main window takes the front when another one closes.
+                    brindle.wait_until_in_front()
                     self.hide(window)
                     brindle.wait_until_in_front()
         self.check_query_untouched(brindle)
@@ -324,6 +324,26 @@ class Family(WindowsTestCase):
                 brindle.keys("ctrl+q")
                 self.assertEqual(brindle.wait_for_exit(), 0)
                 self.assertEqual(datafile.integrity(path), "ok")
+
+
+class ToolWindows(FamilyTestCase):
+    """What depends on the window manager: who is in front of whom, and who has the keyboard."""
+
+    def test_each_is_in_front_of_the_main_window_and_has_the_keyboard(self):
+        brindle = self.start_family()
+        screen = self.desktop.screen
+        for title, keys in OPENING_KEYS.items():
+            with self.subTest(window=title):
+                window = self.open(brindle, keys, title)
+                wait_for(lambda: screen.stacking().index(window.id)
+                         > screen.stacking().index(brindle.window), f"{title} above the main window")
+                stays(lambda: screen.active_window() == window.id, f"{title} in front", 0.5)
+                self.assertTrue(brindle.is_shown())
+                if title == FIND:
+                    brindle.write("tw")
+                    wait_for_value(lambda: window.part("text").text, "tw", "the query")
+                self.close(window)
+                self.assertEqual(brindle.text, "work.bdl")
 
     def test_escape_hides_and_gives_the_keyboard_back_and_ctrl_w_where_it_is_said(self):
         brindle = self.start_family()
@@ -374,53 +394,6 @@ class Family(WindowsTestCase):
                 else:
                     self.hide(window)
                 brindle.wait_until_in_front()
-
-    def test_windows_of_fixed_size_never_wander_between_showings_and_starts(self):
-        brindle = self.start_family()
-        places = {}
-        for start in range(3):
-            for title in (HELP, SETTINGS, REPORT_RANGE):
-                for showing in range(2):
-                    with self.subTest(window=title, start=start, showing=showing):
-                        window = self.open(brindle, OPENING_KEYS[title], title)
-                        # The window manager frames it, and its place is stored after a while.
-                        stays(window.is_shown, "longer than the pause before storing", 0.8)
-                        place = self.desktop.screen.place(window.id)
-                        self.assertEqual(place, places.setdefault(title, place))
-                        self.close(window)
-            brindle.keys("ctrl+q")
-            self.assertEqual(brindle.wait_for_exit(), 0)
-            brindle = self.start()
-
-    def test_the_lists_come_back_at_their_places_also_after_a_restart(self):
-        brindle = self.start_family()
-        places = {}
-        for index, title in enumerate(RESIZABLE):
-            window = self.open(brindle, OPENING_KEYS[title], title)
-            place = places[title] = (60 + 20 * index, 50 + 10 * index, 333, 222)
-            self.desktop.screen.move_resize(window.id, *place)
-            wait_for_value(lambda: self.desktop.screen.place(window.id), place, f"{title} moved")
-            stays(window.is_shown, "longer than the pause before storing", 0.8)
-            # The window manager's frame is 20 pixels high or so.
-            stored = wait_for(lambda: self.home.stored_place(STORED_NAMES[title]), "its place stored")
-            self.assertEqual(stored[2:], place[2:])
-            self.assertTrue(0 <= place[0] - stored[0] < 10 and 10 < place[1] - stored[1] < 30,
-                            (stored, place))
-            self.close(window)
-        for round_number in range(2):
-            for title in RESIZABLE:
-                with self.subTest(window=title, round=round_number):
-                    window = self.open(brindle, OPENING_KEYS[title], title)
-                    wait_for_value(lambda: self.desktop.screen.place(window.id), places[title],
-                                   f"the place of {title}")
-                    # It does not wander off either, nor is another place stored.
-                    stays(lambda: self.desktop.screen.place(window.id) == places[title],
-                          f"the place of {title}", 0.7)
-                    self.close(window)
-            if round_number == 0:
-                brindle.keys("ctrl+q")
-                self.assertEqual(brindle.wait_for_exit(), 0)
-                brindle = self.start()
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/portal/PortalRequest.h"
 
+#include "platform/PlatformLog.h"
 #include "platform/portal/Portal.h"
 
 #include <QDBusMessage>
@@ -26,11 +27,12 @@ PortalRequest::PortalRequest(QDBusConnection bus, QObject *parent)
     listenAt(Portal::path + u"/request/"_s + sender + u'/' + m_token);
 }
 
-bool PortalRequest::listenAt(const QString &path)
+void PortalRequest::listenAt(const QString &path)
 {
     m_path = path;
-    return m_bus.connect(Portal::service, path, Portal::requestInterface, u"Response"_s, this,
-                         SLOT(respond(uint, QVariantMap)));
+    if (!m_bus.connect(Portal::service, path, Portal::requestInterface, u"Response"_s, this,
+                       SLOT(respond(uint, QVariantMap))))
+        qCWarning(platformLog) << "the portal's answers can't be listened to";
 }
 
 void PortalRequest::send(const QString &interface, const QString &method,

@@ -32,7 +32,7 @@ private slots:
     void respond(uint response, const QVariantMap &results);
 
 private:
-    bool listenAt(const QString &path);
+    void listenAt(const QString &path);
 
     QDBusConnection m_bus;
     QString m_token;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/portal/PortalSession.h"
 
+#include "platform/PlatformLog.h"
 #include "platform/portal/Portal.h"
 #include "platform/portal/PortalRequest.h"
 #include "platform/portal/PortalShortcut.h"
@@ -20,10 +21,14 @@ PortalSession::PortalSession(QDBusConnection bus, QString trigger)
     : m_bus(std::move(bus))
     , m_trigger(std::move(trigger))
 {
+    qRegisterMetaType<QDBusObjectPath>(); // the bus finds the slot's types by their names
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
-    m_bus.connect(Portal::service, Portal::path, Portal::shortcutsInterface, u"Activated"_s, this,
-                  SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap)));
+    const bool listening
+        = m_bus.connect(Portal::service, Portal::path, Portal::shortcutsInterface, u"Activated"_s,
+                        this, SLOT(activate(QDBusObjectPath, QString, qulonglong, QVariantMap)));
+    if (!listening)
+        qCWarning(platformLog) << "the hotkey's presses can't be listened to";
     open();
 }
 

@@ -70,6 +70,17 @@ class Desktop(Session):
             return  # out of the way is in another window
         self._xdotool("mousemove", str(self._width - 1), str(self._height - 1))
 
+    def point_at(self, x, y):
+        """Moves the pointer there and leaves it there."""
+        self._xdotool("mousemove", str(x), str(y))
+
+    def cross(self, *spots, pause):
+        """Moves the pointer from spot to spot, resting the given seconds at each but the last."""
+        command = []
+        for x, y in spots:
+            command += ["mousemove", str(x), str(y), "sleep", str(pause)]
+        self._xdotool(*command[:-2])
+
     def layout(self, *arguments):
         """Changes the keyboard layout, in setxkbmap's words."""
         self._tool("setxkbmap", *arguments)
@@ -122,11 +133,13 @@ class Desktop(Session):
 
     def _start_window_manager(self):
         for name, text in self.manager.files.items():
-            with open(os.path.join(self.folder, name), "w", encoding="utf-8") as file:
+            path = os.path.join(self.folder, name)
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            with open(path, "w", encoding="utf-8") as file:
                 file.write(text)
         command = [part.format(home=self.folder) for part in self.manager.command]
         log = open(os.path.join(self.folder, "window-manager.log"), "wb")
-        self.window_manager = self.run(command, stdout=log, stderr=log)
+        self.window_manager = self.run(command, self.manager.env, stdout=log, stderr=log)
         log.close()
         wait_for(self.screen.has_window_manager, "the window manager")
 

@@ -1,34 +1,63 @@
 # SPDX-License-Identifier: MIT
 """The window managers that the program is tested under, and what each does by its nature."""
 
+import dataclasses
 import os
-from dataclasses import dataclass, field
 
 _I3_CONFIG = """# i3 config file (v4)
 # Everything as i3 does it by itself; no bar, which would need a program of its own.
 font pango:DejaVu Sans Mono 8
 """
 
+# The same managers, told that the keyboard follows the pointer.
+_OPENBOX_POINTER = """<?xml version="1.0"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <focus><followMouse>yes</followMouse></focus>
+</openbox_config>
+"""
+_XFWM4_POINTER = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfwm4" version="1.0">
+  <property name="general" type="empty">
+    <property name="click_to_focus" type="bool" value="false"/>
+  </property>
+</channel>
+"""
+_METACITY_POINTER = """[org/gnome/desktop/wm/preferences]
+focus-mode='sloppy'
+"""
 
-@dataclass(frozen=True)
+
+@dataclasses.dataclass(frozen=True)
 class WindowManager:
     """How to start a window manager. The traits below are its nature, at its own defaults."""
 
     name: str
     command: tuple
-    files: dict = field(default_factory=dict)  # written below the home folder before the start
+    files: dict = dataclasses.field(default_factory=dict)  # written below the home folder first
+    env: dict = dataclasses.field(default_factory=dict)
     minimises: bool = True  # a window can be made an icon
     minimises_boxes: bool = True  # also a box by itself, without the window it belongs to
     second_workspace_command: tuple = ()  # where workspaces are made by going there
-    tiles: bool = False  # it gives ordinary windows their places; dialogs float
     focus_follows_pointer: bool = False  # pointing at a window gives it the keyboard
+    tiles: bool = False  # it gives ordinary windows their places; only dialogs float
+    pointer_files: dict = dataclasses.field(default_factory=dict)
+    pointer_env: dict = dataclasses.field(default_factory=dict)
+
+    def following_the_pointer(self):
+        """The same window manager, with the keyboard where the pointer is."""
+        return dataclasses.replace(self, files={**self.files, **self.pointer_files},
+                                   env={**self.env, **self.pointer_env}, focus_follows_pointer=True)
 
 
 _ALL = (
-    WindowManager("openbox", ("openbox",)),
-    WindowManager("xfwm4", ("xfwm4",), minimises_boxes=False),
-    WindowManager("metacity", ("metacity",)),
-    WindowManager("i3", ("i3", "-c", "{home}/i3-config"), {"i3-config": _I3_CONFIG},
+    WindowManager("openbox", ("openbox",),
+                  pointer_files={"config/openbox/rc.xml": _OPENBOX_POINTER}),
+    WindowManager("xfwm4", ("xfwm4",), minimises_boxes=False, pointer_files={
+        "config/xfce4/xfconf/xfce-perchannel-xml/xfwm4.xml": _XFWM4_POINTER}),
+    WindowManager("metacity", ("metacity",),
+                  pointer_files={"config/glib-2.0/settings/keyfile": _METACITY_POINTER},
+                  pointer_env={"GSETTINGS_BACKEND": "keyfile"}),
+    WindowManager("i3", ("i3", "-c", "{home}/i3-config"), files={"i3-config": _I3_CONFIG},
                   minimises=False, minimises_boxes=False, tiles=True, focus_follows_pointer=True,
                   second_workspace_command=("i3-msg", "workspace", "2")),
 )

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What the X server and the window manager say: windows, places, the keyboard's owner, pictures."""
 
+import contextlib
 import os
 import struct
 import zlib
@@ -28,6 +29,26 @@ class Screen:
         """Id of the window that has the front, 0 when none has."""
         value = self._property(self._root, "_NET_ACTIVE_WINDOW")
         return value[0] if value else 0
+
+    @contextlib.contextmanager
+    def front_changes(self):
+        """Gives a function that counts how often the front was given away since."""
+        display = Display(self._display.get_display_name())
+        display.screen().root.change_attributes(event_mask=X.PropertyChangeMask)
+        display.sync()
+        front = display.intern_atom("_NET_ACTIVE_WINDOW")
+        seen = []
+
+        def count():
+            while display.pending_events():
+                event = display.next_event()
+                seen.extend([event] if getattr(event, "atom", None) == front else [])
+            return len(seen)
+
+        try:
+            yield count
+        finally:
+            display.close()
 
     def windows(self):
         """Ids of the windows that the window manager looks after, oldest first."""

@@ -10,6 +10,8 @@ from .waiting import stays, wait_for, wait_for_value
 
 TODO_LIST, FIND, REPORT_RANGE, REPORT = "To-do List", "Find", "Create Report", "Report"
 SETTINGS, HELP = "Settings", "Brindle Help"
+OPENING_KEYS = {TODO_LIST: "ctrl+e", FIND: "ctrl+f", REPORT_RANGE: "ctrl+r",
+                SETTINGS: "ctrl+comma", HELP: "ctrl+slash"}
 
 
 class Window:

@@ -3,8 +3,10 @@
 
 #include "PrivateBus.h"
 #include "RunningProgram.h"
+#include "ui/TodoListWindow.h"
 
 #include <QMessageBox>
+#include <QSplashScreen>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -35,7 +37,8 @@ class AppLifecycleRequestsTest : public QObject
 private slots:
     void filesAskedForLaterOpenAndAreGoneTo();
     void filesAskedForWhileABoxIsOpenWaitForItsEnd();
-    void askedToComeForwardAgainItTakesTheFrontItHasLost();
+    void askedToComeForwardAgainTheWindowInUseDoes();
+    void askedToComeForwardDuringTheSplashTheSplashEnds();
 };
 
 void AppLifecycleRequestsTest::filesAskedForLaterOpenAndAreGoneTo()
@@ -69,7 +72,7 @@ void AppLifecycleRequestsTest::filesAskedForWhileABoxIsOpenWaitForItsEnd()
     QTRY_COMPARE(RunningProgram::editor()->toPlainText(), u"b.bdl"_s);
 }
 
-void AppLifecycleRequestsTest::askedToComeForwardAgainItTakesTheFrontItHasLost()
+void AppLifecycleRequestsTest::askedToComeForwardAgainTheWindowInUseDoes()
 {
     PrivateBus bus;
     RunningProgram program;
@@ -79,12 +82,27 @@ void AppLifecycleRequestsTest::askedToComeForwardAgainItTakesTheFrontItHasLost()
     QVERIFY(QTest::qWaitForWindowActive(mainWindow));
     program.native.frontRequests.clear();
     QCOMPARE(bus.callProgram(u"Activate"_s, {QVariantMap()}).type(), isReply);
-    QTest::qWait(50);
-    QVERIFY(program.native.frontRequests.isEmpty());
-    program.native.areWeFront = false;
-    QCOMPARE(bus.callProgram(u"Activate"_s, {QVariantMap()}).type(), isReply);
     QTRY_COMPARE(program.native.frontRequests.size(), 1);
     QCOMPARE(program.native.frontRequests.first(), mainWindow->windowHandle());
+    auto *todoWindow = RunningProgram::window<TodoListWindow>();
+    todoWindow->showWindow();
+    QVERIFY(QTest::qWaitForWindowActive(todoWindow));
+    QCOMPARE(bus.callProgram(u"Activate"_s, {QVariantMap()}).type(), isReply);
+    QTRY_COMPARE(program.native.frontRequests.size(), 2);
+    QCOMPARE(program.native.frontRequests.last(), todoWindow->windowHandle());
+}
+
+void AppLifecycleRequestsTest::askedToComeForwardDuringTheSplashTheSplashEnds()
+{
+    PrivateBus bus;
+    RunningProgram program;
+    program.start();
+    auto *splash = RunningProgram::window<QSplashScreen>();
+    QVERIFY(splash && splash->isVisible());
+    QCOMPARE(bus.callProgram(u"Activate"_s, {QVariantMap()}).type(), isReply);
+    QTRY_VERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
+    QTRY_VERIFY(!splash->isVisible());
+    QVERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
 }
 
 QTEST_MAIN(AppLifecycleRequestsTest)

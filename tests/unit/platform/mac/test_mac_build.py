@@ -111,7 +111,10 @@ class MacBuild(unittest.TestCase):
 
     def test_the_bundles_documents_are_the_programs_files(self):
         [declared] = self.info["UTExportedTypeDeclarations"]
-        self.assertEqual(declared["UTTypeTagSpecification"], {"public.filename-extension": ["bdl"]})
+        mime = (SOURCE / "packaging" / "brindle-mime.xml").read_text(encoding="utf-8")
+        self.assertEqual(declared["UTTypeTagSpecification"],
+                         {"public.filename-extension": re.findall(r'pattern="\*\.(\w+)"', mime),
+                          "public.mime-type": re.search(r'type="([^"]+)"', mime).group(1)})
         [document] = self.info["CFBundleDocumentTypes"]
         self.assertEqual(document["LSItemContentTypes"], [declared["UTTypeIdentifier"]])
         self.assertEqual(document["CFBundleTypeRole"], "Editor")
