@@ -376,12 +376,13 @@ void AppLifecycle::activate()
 void AppLifecycle::comeForwardAgain()
 {
     // The window that had the keyboard last, a list perhaps. The toolkit learns only after a while
-    // that another program has taken it, so the desktop is asked in any case.
+    // that another program has taken it, so the desktop is asked in any case. A modal box follows
+    // the main window, which is then the next one in front once the box is answered.
     QWidget *window = QApplication::activeWindow();
-    if (!window) {
-        m_mainWindow->activate();
+    if (!window || QApplication::activeModalWidget())
         window = m_mainWindow.get();
-    }
+    if (!QApplication::activeWindow())
+        m_mainWindow->activate();
     m_activationSupport->requestFront(window->windowHandle());
 }
 
