@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/AbstractWindow.h"
 
+#include "platform/NativeSupport.h"
 #include "shared/Refusal.h"
 #include "ui/ScreenPlacement.h"
 
@@ -147,6 +148,12 @@ void AbstractWindow::savePendingPlace()
     saveConfigInSettings();
 }
 
+void AbstractWindow::belongTo(const QWidget &owner)
+{
+    winId(); // makes the handle
+    windowHandle()->setTransientParent(owner.windowHandle());
+}
+
 void AbstractWindow::activate()
 {
     clearMinimized();
@@ -163,7 +170,8 @@ void AbstractWindow::hideOnDeactivate(bool isAppActive)
 void AbstractWindow::saveConfigInSettings()
 {
     m_settings.setValue(getWindowSizeSettingsKey(), size());
-    if (!standsAtCorrectedPlace())
+    // A made-up place would be taken for a real one on the next desktop.
+    if (NativeSupport::tellsWindowPlaces() && !standsAtCorrectedPlace())
         m_settings.setValue(getWindowPosSettingsKey(), framePosition(this));
     m_settings.sync();
 }

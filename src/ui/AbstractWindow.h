@@ -30,6 +30,9 @@ public:
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
 
+    /// Has the desktop keep this window in front of \a owner, which has its handle already.
+    void belongTo(const QWidget &owner);
+
     void setVisible(bool visible) override;
 
 public slots:

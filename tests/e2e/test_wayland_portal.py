@@ -132,7 +132,7 @@ class Tokens(WaylandTestCase):
             with self.subTest(token=token):
                 self.assertEqual(self.portal.press(token), 1)
                 wait_for(brindle.is_on_the_screen, "the window behind")
-                self.other_has_keyboard(f"undisturbed by {token}")
+                self.other_has_keyboard(f"undisturbed by <{token}>")
                 stays(brindle.is_on_the_screen, "as long as the desktop may take", 5)
                 brindle.wait_until_hidden(4)
                 self.other_has_keyboard("still here")

@@ -5,11 +5,11 @@
 #include "platform/PlatformLog.h"
 #include "platform/SettlingFront.h"
 #include "platform/portal/PortalHotkey.h"
+#include "platform/wayland/ModalBoxFocus.h"
 #include "platform/wayland/WaylandSession.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QTimer>
-#include <QWidget>
 #include <QWindow>
 #include <array>
 #include <xkbcommon/xkbcommon.h>
@@ -22,6 +22,9 @@ namespace
 /// From here the toolkit takes the proof that it shows to the compositor.
 constexpr const char *tokenVariable = "XDG_ACTIVATION_TOKEN";
 
+/// A compositor takes its time to give the keyboard to a new window.
+constexpr int comingTimeMs = 2000;
+
 bool toolkitSaysActive()
 {
     return QGuiApplication::applicationState() == Qt::ApplicationActive;
@@ -33,12 +36,6 @@ QString trigger(quint32 symbol)
     std::array<char, 64> name{};
     xkb_keysym_get_name(symbol, name.data(), name.size());
     return u"CTRL+ALT+"_s + QString::fromLatin1(name.data());
-}
-
-bool isBehindModalBox(const QWindow *window)
-{
-    const QWidget *box = QApplication::activeModalWidget();
-    return box && box->window()->windowHandle() != window;
 }
 
 } // namespace
@@ -63,10 +60,11 @@ bool WaylandSupport::attach()
     if (m_attachedTo == application)
         return true;
     m_attachedTo = application;
-    m_front = std::make_unique<SettlingFront>(toolkitSaysActive);
+    m_front = std::make_unique<SettlingFront>(toolkitSaysActive, comingTimeMs);
     connect(application, &QGuiApplication::applicationStateChanged, m_front.get(),
-            &SettlingFront::areWeInFront);
+            &SettlingFront::frontChanged);
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
+    m_boxFocus = std::make_unique<ModalBoxFocus>();
     m_hotkey = std::make_unique<PortalHotkey>();
     connect(m_hotkey.get(), &PortalHotkey::pressed, this, [this](const QByteArray &token) {
         setActivationToken(token);
@@ -114,10 +112,7 @@ void WaylandSupport::requestFront(QWindow *window)
 
 void WaylandSupport::bringForward(QWindow *window)
 {
-    // A token counts once, and the box is what the user can work with. The window itself is there
-    // for the compositor only after its first picture, which follows now.
-    if (isBehindModalBox(window))
-        return;
+    // For the compositor the window is there only after its first picture, which follows now.
     QTimer::singleShot(0, window, [this, window] {
         if (!m_token.isEmpty())
             qputenv(tokenVariable, std::exchange(m_token, {}));

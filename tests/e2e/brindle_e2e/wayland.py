@@ -4,6 +4,7 @@
 import os
 import subprocess
 import tempfile
+import time
 
 from .session import Session, key_codes
 from .sway import SwayScreen
@@ -111,8 +112,12 @@ class WaylandDesktop(Session):
         self._move(*start)
         self._command_hands("press", _LEFT_BUTTON)
         for step in range(1, steps + 1):
+            time.sleep(0.05)
             self._move(*(a + (b - a) * step // steps for a, b in zip(start, end)))
+        # A drop counts where the pointer rests, a pixel further on.
+        time.sleep(0.05)
         self._move(end[0] + 1, end[1])
+        time.sleep(0.15)
         self._command_hands("release", _LEFT_BUTTON)
         self.park_pointer()
 
