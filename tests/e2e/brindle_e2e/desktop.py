@@ -3,7 +3,7 @@
 
 import os
 
-from . import managers
+from . import managers, scaling
 from .screen import Screen
 from .session import Session, key_codes
 from .waiting import wait_for
@@ -11,12 +11,17 @@ from .waiting import wait_for
 
 
 class Desktop(Session):
-    """An X server of its own with a window manager. A second screen stands right of the first."""
+    """An X server of its own with a window manager. A second screen stands right of the first.
+
+    Sizes are those of the program: scaled, the screen has as many more pixels.
+    """
 
     session_type = "x11"
 
     def __init__(self, width=1280, height=800, manager=None, second_screen=None):
         super().__init__()
+        self._scaling = scaling.chosen()
+        width, height = width * self._scaling.factor, height * self._scaling.factor
         self._width, self._height = width, height
         self._second_screen = second_screen  # (width, height)
         self.has_second_screen = False
@@ -139,7 +144,8 @@ class Desktop(Session):
         if not number:
             raise RuntimeError("the X server did not start")
         self.env["DISPLAY"] = f":{number}"
-        self.screen = Screen(self.env["DISPLAY"])
+        self.screen = Screen(self.env["DISPLAY"], self._scaling.factor)
+        self._scaling.apply(self)
         # The layout is set before any program starts, so that none sees the keyboard change.
         self.layout("us")
         self.park_pointer()

@@ -15,7 +15,8 @@ from Xlib.protocol import event as xevent
 class Screen:
     """A connection to the X server of the virtual display."""
 
-    def __init__(self, display_name):
+    def __init__(self, display_name, scale=1):
+        self.scale = scale  # how many pixels one of the program's is large
         self._display = Display(display_name)
         self._root = self._display.screen().root
 
@@ -113,12 +114,11 @@ class Screen:
 
     def shows(self, window_id, node):
         """Whether a window is that of a node on the accessibility bus."""
-        return self.place(window_id) == tuple(node.extents)
+        return self.place(window_id) == self.spot(window_id, None, node)
 
-    @staticmethod
-    def spot(_window_id, _window_node, node):
+    def spot(self, _window_id, _window_node, node):
         """The place of a part on the screen. Programs know it here; not every desktop tells them."""
-        return tuple(node.extents)
+        return tuple(value * self.scale for value in node.extents)
 
     def is_minimised(self, window_id):
         try:
