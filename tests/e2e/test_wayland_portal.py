@@ -5,11 +5,11 @@ from gi.repository import GLib
 
 from brindle_e2e import datafile
 from brindle_e2e.accessibility import connect
-from brindle_e2e.case import main
+from brindle_e2e.case import PROGRAM, main
 from brindle_e2e.portal import INTERFACE, PATH
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
 from brindle_e2e.wayland import FLOATING
-from brindle_e2e.wayland_case import INSTEAD, WaylandTestCase
+from brindle_e2e.wayland_case import APP_ID, INSTEAD, WaylandTestCase
 from brindle_e2e.windows import SETTINGS
 
 TRIGGER = "CTRL+ALT+space"  # in the spelling of the desktops' shortcuts specification
@@ -137,6 +137,28 @@ class Tokens(WaylandTestCase):
                 brindle.wait_until_hidden(4)
                 self.other_has_keyboard("still here")
         brindle.bring_back()
+
+
+    def test_a_command_hands_its_token_on_to_the_running_copy(self):
+        brindle = self.start_beside()
+        self.call("--toggle", token="")
+        wait_for(brindle.is_on_the_screen, "the window behind")
+        self.other_has_keyboard("undisturbed")
+        self.call("--toggle", token="")
+        brindle.wait_until_hidden()
+        for option in ("--toggle", "--activate"):
+            with self.subTest(option=option):
+                self.call(option, self.desktop.activation_token(APP_ID))
+                brindle.wait_until_in_front()
+                brindle.keys("Escape")
+                brindle.wait_until_hidden()
+                self.other_has_keyboard(f"back after {option}")
+
+    def call(self, option, token):
+        """What a launcher or a key binding of the desktop does."""
+        call = self.helper([PROGRAM, option],
+                           extra_env={**self.home.env, "XDG_ACTIVATION_TOKEN": token})
+        self.assertEqual(call.wait(20), 0)
 
 
 class NoHotkey(WaylandTestCase):
