@@ -82,6 +82,15 @@ class Hotkey(WaylandTestCase):
         self.start()
         self.portal.wait_for_triggers("CTRL+ALT+b")
 
+    def test_another_key_chosen_in_the_desktops_settings_is_the_desktops_business(self):
+        brindle = self.start_beside()
+        self.portal.change_trigger("Press Meta+B")
+        brindle.bring_back()
+        self.assertEqual(self.notice(brindle), "")
+        self.press_hotkey()
+        brindle.wait_until_hidden()
+        self.assertEqual(len(self.portal.calls("BindShortcuts")), 1)
+
     def test_only_the_portals_word_on_our_session_and_shortcut_counts(self):
         brindle = self.start_beside()
         session, owner, ((shortcut, _),) = self.portal.sessions()[0]
