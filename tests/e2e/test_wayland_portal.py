@@ -13,7 +13,8 @@ from brindle_e2e.wayland_case import APP_ID, INSTEAD, WaylandTestCase
 from brindle_e2e.windows import SETTINGS
 
 TRIGGER = "CTRL+ALT+space"  # in the spelling of the desktops' shortcuts specification
-ONLY_TOKENS_GIVE_FOCUS = ('no_focus [app_id="(?i)brindle$"]\n'
+# For the main window; what a program opens while it has the front gets the front everywhere.
+ONLY_TOKENS_GIVE_FOCUS = (r'no_focus [app_id="(?i)brindle$" title="^Brindle($| \()"]' "\n"
                           "focus_on_window_activation focus\n")
 
 
@@ -147,6 +148,27 @@ class Tokens(WaylandTestCase):
                 self.other_has_keyboard("still here")
         brindle.bring_back()
 
+
+    def test_an_open_box_gets_the_front_by_the_token(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Changed")
+        brindle.keys("ctrl+q")
+        box = brindle.wait_for_box()
+        self.wait_for_front("Save changes?")
+        self.desktop.screen.activate(self.other.window)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("meanwhile")
+        self.press_hotkey()
+        self.wait_for_front("Save changes?")
+        brindle.keys("Escape")
+        wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
+        brindle.wait_until_in_front()
+
+    def wait_for_front(self, title):
+        screen = self.desktop.screen
+        wait_for(lambda: screen.title(screen.active_window()) == title, f"{title!r} in front")
 
     def test_a_command_hands_its_token_on_to_the_running_copy(self):
         brindle = self.start_beside()
