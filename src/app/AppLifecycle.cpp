@@ -175,6 +175,9 @@ void AppLifecycle::createModelsAndWindows()
         static_cast<int>(m_nativeSupport->getShortcutModifier().toInt()),
         m_nativeSupport->getShortcutModifierKey());
     m_findWindow = std::make_unique<FindWindow>(m_fileManager.get(), nullptr);
+    m_mainWindow->winId(); // makes its handle
+    m_todoListWindow->belongTo(*m_mainWindow);
+    m_findWindow->belongTo(*m_mainWindow);
     m_commandFilter = std::make_unique<AppCommandFilter>(
         m_fileManager.get(), m_mainWindow.get(), m_hierarchyModel.get(), m_todoListWindow.get(),
         m_findWindow.get(), m_nativeSupport, m_activationSupport.get());

@@ -19,6 +19,18 @@ void wakeUp(int)
     [[maybe_unused]] const ssize_t written = ::write(wakeUpPipe[1], &byte, 1);
 }
 
+/// Neither end blocks, and no program that is started inherits them. (pipe2() is Linux' own.)
+bool openWakeUpPipe()
+{
+    if (::pipe(wakeUpPipe.data()) != 0)
+        return false;
+    for (const int end : wakeUpPipe) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    return true;
+}
+
 void setHandler(void (*handler)(int))
 {
     struct sigaction action {
@@ -33,7 +45,7 @@ void setHandler(void (*handler)(int))
 TerminationSignals::TerminationSignals(QObject *parent)
     : QObject(parent)
 {
-    if (::pipe2(wakeUpPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+    if (!openWakeUpPipe()) {
         qWarning("no pipe for termination signals; they will end the program without saving");
         return;
     }

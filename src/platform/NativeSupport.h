@@ -23,6 +23,10 @@ public:
     /// process, so main asks before it builds the application object.
     static bool hasDisplay();
 
+    /// Whether the desktop tells programs where their windows stand, and lets them choose. Needs
+    /// the application object.
+    static bool tellsWindowPlaces();
+
     /// Whether this application is the one in front.
     virtual bool areWeFrontProcess() = 0;
     /// Remembers who is in front, unless it is this application (then nobody is remembered).

@@ -42,11 +42,16 @@ bool NativeSupport::hasDisplay()
     return X11Support::open() != nullptr;
 }
 
+bool NativeSupport::tellsWindowPlaces()
+{
+    return !WaylandSession::isTheToolkitOnIt();
+}
+
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
     if (X11KeyboardLayout::isAvailable())
         return new X11KeyboardLayout(parent);
-    if (WaylandKeyboardLayout::isAvailable())
+    if (WaylandSession::isTheToolkitOnIt())
         return new WaylandKeyboardLayout(parent);
     return new KeyboardLayout(parent);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/AbstractWindow.h"
 
+#include "platform/NativeSupport.h"
 #include "shared/Refusal.h"
 #include "ui/ScreenPlacement.h"
 
@@ -13,8 +14,9 @@ namespace
 {
 /// A window manager may shift a window it has just been given by about a frame's width.
 constexpr int managerShift = 64;
-/// By then the window manager has framed a window that was just shown.
-constexpr int framingTimeMs = 150;
+/// By then even a busy window manager has framed a window that was just shown.
+constexpr int settlingTimeMs = 1000;
+constexpr int settlingPaceMs = 50;
 
 /// Where the frame stands. QWidget::pos() goes on counting with the width of a frame that the
 /// window manager took away when it hid the window.
@@ -28,7 +30,10 @@ QPoint framePosition(const QWidget *window)
 AbstractWindow::AbstractWindow(QWidget *parent, Qt::WindowFlags flags)
     : QDialog(parent, flags)
     , m_saveTimer(new QTimer(this))
+    , m_settleTimer(new QTimer(this))
 {
+    m_settleTimer->setInterval(settlingPaceMs);
+    connect(m_settleTimer, &QTimer::timeout, this, &AbstractWindow::settle);
     m_saveTimer->setSingleShot(true);
     m_saveTimer->setInterval(saveDelayMs);
     connect(m_saveTimer, &QTimer::timeout, this, &AbstractWindow::saveConfigInSettings);
@@ -73,10 +78,8 @@ void AbstractWindow::beginToSettle()
     if (!m_settings.contains(getWindowPosSettingsKey()))
         return;
     m_settlingAt = pos();
-    QTimer::singleShot(framingTimeMs, this, [this] {
-        settle();
-        m_settlingAt.reset();
-    });
+    m_settled.setRemainingTime(settlingTimeMs);
+    m_settleTimer->start();
 }
 
 // A window of fixed size is resized once more when it is framed, and its frame slips by its own
@@ -84,14 +87,32 @@ void AbstractWindow::beginToSettle()
 // are the user's or the window manager's will.
 void AbstractWindow::settle()
 {
-    if (!isVisible() || !m_settlingAt)
+    if (m_settled.hasExpired() || !isVisible()) {
+        m_settleTimer->stop();
         return;
-    const QPoint wanted = *m_settlingAt;
+    }
     const QMargins frame = windowHandle()->frameMargins();
-    const QPoint slip = framePosition(this) - wanted;
     const QPoint frameWidth(frame.left(), frame.top());
-    if (!frameWidth.isNull() && (slip == frameWidth || slip == -frameWidth))
-        move(wanted);
+    if (frameWidth.isNull())
+        return;
+    fitCorrection();
+    const QPoint slip = framePosition(this) - m_settlingAt;
+    if (slip == frameWidth || slip == -frameWidth)
+        move(m_settlingAt);
+}
+
+// Only now the frame is known, which must not stick out of the screen either.
+void AbstractWindow::fitCorrection()
+{
+    if (!m_correction)
+        return;
+    const QPoint fitted
+        = ScreenPlacement::fittedPosition(QRect(m_settlingAt, frameGeometry().size()));
+    if (fitted == m_settlingAt)
+        return;
+    m_settlingAt = fitted;
+    m_correction = Correction{fitted};
+    move(fitted);
 }
 
 // Once the window is hidden the toolkit no longer knows its frame.
@@ -102,6 +123,14 @@ void AbstractWindow::setVisible(bool visible)
     QDialog::setVisible(visible);
 }
 
+// A hidden window is moved by the window manager alone, when it takes the frame off: with the
+// frame's width counted once more, that is no place to come back to.
+void AbstractWindow::saveLater(const QEvent &change)
+{
+    if (isVisible() || !change.spontaneous())
+        m_saveTimer->start();
+}
+
 // The place the window was just moved to is the one to come back to.
 void AbstractWindow::savePendingPlace()
 {
@@ -109,6 +138,12 @@ void AbstractWindow::savePendingPlace()
         return;
     m_saveTimer->stop();
     saveConfigInSettings();
+}
+
+void AbstractWindow::belongTo(const QWidget &owner)
+{
+    winId(); // makes the handle
+    windowHandle()->setTransientParent(owner.windowHandle());
 }
 
 void AbstractWindow::activate()
@@ -127,7 +162,8 @@ void AbstractWindow::hideOnDeactivate(bool isAppActive)
 void AbstractWindow::saveConfigInSettings()
 {
     m_settings.setValue(getWindowSizeSettingsKey(), size());
-    if (!standsAtCorrectedPlace())
+    // A made-up place would be taken for a real one on the next desktop.
+    if (NativeSupport::tellsWindowPlaces() && !standsAtCorrectedPlace())
         m_settings.setValue(getWindowPosSettingsKey(), framePosition(this));
     m_settings.sync();
 }
@@ -144,15 +180,15 @@ bool AbstractWindow::event(QEvent *event)
 void AbstractWindow::moveEvent(QMoveEvent *event)
 {
     QDialog::moveEvent(event);
-    m_saveTimer->start();
-    if (m_settlingAt) // mended before anybody sees it; the frame is known only after this event
+    saveLater(*event);
+    if (m_settleTimer->isActive()) // mended at once; the frame is known only after this event
         QMetaObject::invokeMethod(this, &AbstractWindow::settle, Qt::QueuedConnection);
 }
 
 void AbstractWindow::resizeEvent(QResizeEvent *event)
 {
     QDialog::resizeEvent(event);
-    m_saveTimer->start();
+    saveLater(*event);
 }
 
 void AbstractWindow::hideEvent(QHideEvent *event)

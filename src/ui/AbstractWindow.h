@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QSettings>
 #include <QTimer>
@@ -28,6 +29,9 @@ public:
     /// Shows the window at its remembered place, unless it is visible already, and brings it to the
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
+
+    /// Has the desktop keep this window in front of \a owner, which has its handle already.
+    void belongTo(const QWidget &owner);
 
     void setVisible(bool visible) override;
 
@@ -58,6 +62,8 @@ private:
 
     void beginToSettle();
     void settle();
+    void fitCorrection();
+    void saveLater(const QEvent &change);
     void savePendingPlace();
     void moveOntoScreen();
     bool standsAtCorrectedPlace();
@@ -66,5 +72,7 @@ private:
     QSettings m_settings;
     QTimer *m_saveTimer;
     std::optional<Correction> m_correction;
-    std::optional<QPoint> m_settlingAt; ///< Just shown: where the frame is to be.
+    QTimer *m_settleTimer; ///< Runs for a while after the window was shown.
+    QDeadlineTimer m_settled;
+    QPoint m_settlingAt; ///< Where the frame is to be meanwhile.
 };

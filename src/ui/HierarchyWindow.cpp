@@ -235,7 +235,6 @@ void HierarchyWindow::comeToFront()
     box->setWindowState(box->windowState() & ~Qt::WindowMinimized);
     box->activateWindow();
     box->raise();
-    m_activationSupport->requestFront(box->windowHandle());
 }
 
 // At the panel the editor is out of sight and must not take keys.

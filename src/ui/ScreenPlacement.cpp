@@ -26,23 +26,35 @@ int fitted(int begin, int length, int areaBegin, int areaLength)
 {
     return std::max(areaBegin, std::min(begin, areaBegin + areaLength - length));
 }
-} // namespace
 
-std::optional<QPoint> ScreenPlacement::correctedPosition(const QRect &frame)
+const QScreen *nearestScreen(const QRect &frame)
 {
     const QScreen *nearest = nullptr;
     const QList<QScreen *> screens = QGuiApplication::screens();
     for (const QScreen *screen : screens) {
-        if (screen->geometry().intersects(frame))
-            return std::nullopt;
         if (!nearest
             || squaredDistance(frame, screen->geometry())
                 < squaredDistance(frame, nearest->geometry()))
             nearest = screen;
     }
-    if (!nearest)
+    return nearest;
+}
+} // namespace
+
+std::optional<QPoint> ScreenPlacement::correctedPosition(const QRect &frame)
+{
+    const QScreen *nearest = nearestScreen(frame);
+    if (!nearest || nearest->geometry().intersects(frame))
         return std::nullopt;
+    return fittedPosition(frame);
+}
+
+QPoint ScreenPlacement::fittedPosition(const QRect &frame)
+{
+    const QScreen *nearest = nearestScreen(frame);
+    if (!nearest)
+        return frame.topLeft();
     const QRect area = nearest->availableGeometry();
-    return QPoint(fitted(frame.x(), frame.width(), area.x(), area.width()),
-                  fitted(frame.y(), frame.height(), area.y(), area.height()));
+    return {fitted(frame.x(), frame.width(), area.x(), area.width()),
+            fitted(frame.y(), frame.height(), area.y(), area.height())};
 }

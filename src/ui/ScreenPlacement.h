@@ -13,4 +13,7 @@ namespace ScreenPlacement
 /// already, else a place inside the available area of the nearest screen.
 std::optional<QPoint> correctedPosition(const QRect &frame);
 
+/// The place inside the available area of the nearest screen that is closest to that of \a frame.
+QPoint fittedPosition(const QRect &frame);
+
 } // namespace ScreenPlacement

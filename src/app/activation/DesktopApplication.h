@@ -7,7 +7,8 @@
 #include <memory>
 
 /// The running copy as desktops know a program: the interface org.freedesktop.Application on the
-/// session bus, under the program's own name. Where there is no session bus it does nothing.
+/// session bus, under the program's own name. Where there is no session bus the toolkit's event
+/// that a file is to be opened takes its place.
 class DesktopApplication : public QObject
 {
     Q_OBJECT

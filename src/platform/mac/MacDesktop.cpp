@@ -14,6 +14,11 @@ bool NativeSupport::hasDisplay()
     return true;
 }
 
+bool NativeSupport::tellsWindowPlaces()
+{
+    return true;
+}
+
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
     return new MacKeyboardLayout(parent);

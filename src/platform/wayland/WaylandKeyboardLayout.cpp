@@ -3,13 +3,7 @@
 
 #include "platform/wayland/KeymapConnection.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
-
-bool WaylandKeyboardLayout::isAvailable()
-{
-    return QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
-}
 
 WaylandKeyboardLayout::WaylandKeyboardLayout(QObject *application)
     : KeyboardLayout(application)

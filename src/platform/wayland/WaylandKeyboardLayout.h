@@ -13,9 +13,6 @@ class WaylandKeyboardLayout : public KeyboardLayout
     Q_OBJECT
 
 public:
-    /// Whether the application runs on Wayland.
-    static bool isAvailable();
-
     explicit WaylandKeyboardLayout(QObject *application);
     ~WaylandKeyboardLayout() override;
 

@@ -2,6 +2,7 @@
 #include "platform/wayland/WaylandSession.h"
 
 #include <QDir>
+#include <QGuiApplication>
 #include <QLibraryInfo>
 #include <memory>
 #include <wayland-client-core.h>
@@ -29,4 +30,9 @@ bool WaylandSession::toolkitKnowsIt()
         const QDir platforms(folder + u"/platforms"_s);
         return !folder.isEmpty() && !platforms.entryList({u"libqwayland*"_s}).isEmpty();
     });
+}
+
+bool WaylandSession::isTheToolkitOnIt()
+{
+    return QGuiApplication::platformName().startsWith(u"wayland"_s);
 }

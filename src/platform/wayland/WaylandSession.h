@@ -11,4 +11,7 @@ bool isThere();
 /// Whether the toolkit's part for Wayland is installed; distributions package it apart.
 bool toolkitKnowsIt();
 
+/// Whether the application object shows its windows there.
+bool isTheToolkitOnIt();
+
 } // namespace WaylandSession

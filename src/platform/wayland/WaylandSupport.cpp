@@ -5,11 +5,11 @@
 #include "platform/PlatformLog.h"
 #include "platform/SettlingFront.h"
 #include "platform/portal/PortalHotkey.h"
+#include "platform/wayland/ModalBoxFocus.h"
 #include "platform/wayland/WaylandSession.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QTimer>
-#include <QWidget>
 #include <QWindow>
 #include <array>
 #include <xkbcommon/xkbcommon.h>
@@ -33,12 +33,6 @@ QString trigger(quint32 symbol)
     std::array<char, 64> name{};
     xkb_keysym_get_name(symbol, name.data(), name.size());
     return u"CTRL+ALT+"_s + QString::fromLatin1(name.data());
-}
-
-bool isBehindModalBox(const QWindow *window)
-{
-    const QWidget *box = QApplication::activeModalWidget();
-    return box && box->window()->windowHandle() != window;
 }
 
 } // namespace
@@ -67,6 +61,7 @@ bool WaylandSupport::attach()
     connect(application, &QGuiApplication::applicationStateChanged, m_front.get(),
             &SettlingFront::areWeInFront);
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
+    m_boxFocus = std::make_unique<ModalBoxFocus>();
     m_hotkey = std::make_unique<PortalHotkey>();
     connect(m_hotkey.get(), &PortalHotkey::pressed, this, [this](const QByteArray &token) {
         setActivationToken(token);
@@ -114,10 +109,7 @@ void WaylandSupport::requestFront(QWindow *window)
 
 void WaylandSupport::bringForward(QWindow *window)
 {
-    // A token counts once, and the box is what the user can work with. The window itself is there
-    // for the compositor only after its first picture, which follows now.
-    if (isBehindModalBox(window))
-        return;
+    // For the compositor the window is there only after its first picture, which follows now.
     QTimer::singleShot(0, window, [this, window] {
         if (!m_token.isEmpty())
             qputenv(tokenVariable, std::exchange(m_token, {}));

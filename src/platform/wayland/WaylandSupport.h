@@ -7,6 +7,7 @@
 #include <memory>
 
 class FrontRequests;
+class ModalBoxFocus;
 class PortalHotkey;
 class QCoreApplication;
 class SettlingFront;
@@ -42,5 +43,6 @@ private:
     std::unique_ptr<SettlingFront> m_front;
     std::unique_ptr<PortalHotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
+    std::unique_ptr<ModalBoxFocus> m_boxFocus;
     QByteArray m_token;
 };

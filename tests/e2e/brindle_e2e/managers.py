@@ -9,7 +9,8 @@ _I3_CONFIG = """# i3 config file (v4)
 font pango:DejaVu Sans Mono 8
 """
 
-# The same managers, told that the keyboard follows the pointer.
+# The same managers, told that the keyboard follows the pointer. By itself xfwm4 waits a quarter of a
+# second before it does, so that crossing a window would show nothing.
 _OPENBOX_POINTER = """<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><followMouse>yes</followMouse></focus>
@@ -19,6 +20,7 @@ _XFWM4_POINTER = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfwm4" version="1.0">
   <property name="general" type="empty">
     <property name="click_to_focus" type="bool" value="false"/>
+    <property name="focus_delay" type="int" value="5"/>
   </property>
 </channel>
 """

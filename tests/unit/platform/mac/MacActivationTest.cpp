@@ -5,7 +5,9 @@
 #include "fakes/mac/FakeMac.h"
 #include "platform/mac/MacSupport.h"
 
+#include <QFileOpenEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -32,6 +34,14 @@ struct Bench {
     bool lastChange() const { return changes.last().first().toBool(); }
 };
 
+/// A folder of the test's own for the endpoint of the running copy.
+struct Serving {
+    QTemporaryDir folder;
+
+    Serving() { qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8()); }
+    ~Serving() { qunsetenv("XDG_RUNTIME_DIR"); }
+};
+
 } // namespace
 
 class MacActivationTest : public QObject
@@ -45,6 +55,8 @@ private slots:
     void theSettingsDialogsKeyReplacesTheRegisteredOne();
     void losingTheFrontStepsBackWithoutHandingItAnywhere();
     void thePrefixIsThatOfTheMac();
+    void aFileChosenInTheFinderIsOpened();
+    void anAddressThatIsNoFileIsLeftToOthers();
 };
 
 void MacActivationTest::anEmptySettingsStoreRegistersTheSpaceBar()
@@ -116,5 +128,33 @@ void MacActivationTest::thePrefixIsThatOfTheMac()
     QCOMPARE(bench.activation.getActivationHotkeyPrefix(), u"\u2318\u2303"_s);
 }
 
-QTEST_GUILESS_MAIN(MacActivationTest)
+void MacActivationTest::aFileChosenInTheFinderIsOpened()
+{
+    const Serving serving;
+    Bench bench;
+    QSignalSpy openings(&bench.activation, &AppActivationSupport::requestOpenFiles);
+    QVERIFY(!bench.activation.checkForOtherInstances());
+    bench.activation.acceptRequests();
+    QFileOpenEvent event(u"/home/me/garden.bdl"_s);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &event));
+    QTRY_COMPARE(openings.count(), 1);
+    QCOMPARE(openings.first().first().toStringList(), QStringList{u"/home/me/garden.bdl"_s});
+    QVERIFY(bench.activation.isAppActive());
+}
+
+void MacActivationTest::anAddressThatIsNoFileIsLeftToOthers()
+{
+    const Serving serving;
+    Bench bench;
+    QSignalSpy openings(&bench.activation, &AppActivationSupport::requestOpenFiles);
+    QVERIFY(!bench.activation.checkForOtherInstances());
+    bench.activation.acceptRequests();
+    QFileOpenEvent event(QUrl(u"https://maker.example/garden.bdl"_s));
+    QCoreApplication::sendEvent(qApp, &event);
+    QCoreApplication::processEvents();
+    QCOMPARE(openings.count(), 0);
+    QVERIFY(!bench.activation.isAppActive());
+}
+
+QTEST_MAIN(MacActivationTest)
 #include "MacActivationTest.moc"

@@ -118,5 +118,5 @@ void MacKeyboardLayoutTest::aLatinLetterIsNeverFoundByItsPlace()
     QCOMPARE(commandOf(Qt::Key_A, command, letterQ), Command::NoCommand);
 }
 
-QTEST_GUILESS_MAIN(MacKeyboardLayoutTest)
+QTEST_MAIN(MacKeyboardLayoutTest)
 #include "MacKeyboardLayoutTest.moc"

@@ -377,5 +377,5 @@ void MacSupportTest::theHotkeyMayBeChangedFromItsOwnPress()
     QCOMPARE(bench.presses.count(), 2);
 }
 
-QTEST_GUILESS_MAIN(MacSupportTest)
+QTEST_MAIN(MacSupportTest)
 #include "MacSupportTest.moc"

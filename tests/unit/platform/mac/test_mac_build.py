@@ -17,6 +17,9 @@ SRC = SOURCE / "src"
 MAKER_DOMAIN = "outlines.maker.example"
 OTHER_DESKTOPS = {"x11", "wayland", "portal"}
 FOREIGN_HEADER = re.compile(r"<(xcb|xkbcommon|X11|wayland)")
+LINUX_ONLY = re.compile(
+    r"::(pipe2|accept4|prctl|signalfd|eventfd|epoll_\w+|inotify_\w+)\(|\.st_[acm]tim\b|<(sys/(epoll|"
+    r"eventfd|signalfd|inotify|prctl)|linux/.*)")
 INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|(<[^>]+>))', re.MULTILINE)
 
 
@@ -80,6 +83,12 @@ class MacBuild(unittest.TestCase):
                 self.assertEqual(
                     [str(path) for path in ours if OTHER_DESKTOPS & set(path.parts)], [])
                 self.assertEqual([name for name in foreign if FOREIGN_HEADER.match(name)], [])
+
+    def test_no_source_asks_for_what_only_linux_has(self):
+        for source in sorted(self.program):
+            with self.subTest(source=source.relative_to(SRC)):
+                found = LINUX_ONLY.search(source.read_text(encoding="utf-8"))
+                self.assertIsNone(found)
 
     def test_what_is_included_is_built_too(self):
         included = set().union(*(includes_of(source)[0] for source in self.program))
