@@ -4,8 +4,9 @@
 #include <QCoreApplication>
 #include <QEvent>
 
-SettlingFront::SettlingFront(std::function<bool()> inFrontNow)
+SettlingFront::SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs)
     : m_inFrontNow(std::move(inFrontNow))
+    , m_comingTimeMs(comingTimeMs)
 {
     m_settling.setSingleShot(true);
     m_settling.setInterval(settlingTimeMs);
@@ -31,7 +32,14 @@ void SettlingFront::expectToComeForward()
 {
     m_settling.stop();
     m_wereInFront = m_inFrontNow();
-    m_coming = QDeadlineTimer(m_wereInFront ? 0 : comingTimeMs);
+    m_coming = QDeadlineTimer(m_wereInFront ? 0 : m_comingTimeMs);
+}
+
+void SettlingFront::frontChanged()
+{
+    if (!areWeInFront() || m_inFrontNow() || !m_settling.isActive())
+        return;
+    m_settling.start(); // anew: another window has its turn
 }
 
 void SettlingFront::settleNow()

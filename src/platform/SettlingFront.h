@@ -6,8 +6,9 @@
 #include <QTimer>
 #include <functional>
 
-/// Whether this application is in front, on a desktop where for moments nobody is: between two
-/// windows of ours the keyboard belongs to none, which must not count as the front being lost.
+/// Whether this application is in front. A loss counts only when it lasts: dialogs that open and
+/// close leave moments with nobody in front, or with a helper's window, and where the keyboard
+/// follows the pointer, the pointer crosses other windows on its way.
 class SettlingFront : public QObject
 {
     Q_OBJECT
@@ -16,12 +17,10 @@ public:
     /// How long being in front is believed in after the desktop stopped saying so.
     static constexpr int settlingTimeMs = 300;
 
-    /// How long after the application was brought forward a loss of the front is none: the windows
-    /// before it, a splash screen or a box, are just closing.
-    static constexpr int comingTimeMs = 2000;
-
-    /// \a inFrontNow tells what the desktop says at this moment.
-    explicit SettlingFront(std::function<bool()> inFrontNow);
+    /// \a inFrontNow tells what the desktop says at this moment. For \a comingTimeMs after the
+    /// application was brought forward a loss of the front is none: the windows before it, a splash
+    /// screen or a box, are just closing.
+    explicit SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs = 0);
 
     /// What the desktop says; yes as well while a loss has still to prove itself. A loss that does
     /// is told by an ApplicationDeactivate event to the application object.
@@ -29,6 +28,9 @@ public:
 
     /// The application is being brought forward: what was before counts no longer.
     void expectToComeForward();
+
+    /// The desktop says that something has changed.
+    void frontChanged();
 
     /// The user does something that depends on who is in front: a loss that hasn't settled yet is
     /// told at once.
@@ -39,6 +41,7 @@ private:
     bool isLost();
 
     std::function<bool()> m_inFrontNow;
+    int m_comingTimeMs;
     bool m_wereInFront = false;
     QDeadlineTimer m_coming{0};
     QTimer m_settling{this};

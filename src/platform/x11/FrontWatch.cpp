@@ -34,14 +34,19 @@ bool toolkitSaysActive(FrontWindow &front)
              && front.isOnAnotherWorkspace(static_cast<quint32>(window->winId())));
 }
 
+bool areWeInFrontNow(FrontWindow &front)
+{
+    const xcb_window_t window = front.active();
+    return window != FrontWindow::noWindow ? FrontWatch::isOurs(front, window)
+                                           : toolkitSaysActive(front);
+}
+
 } // namespace
 
 FrontWatch::FrontWatch(FrontWindow &front)
-    : m_front(front)
+    : SettlingFront([&front] { return areWeInFrontNow(front); })
+    , m_front(front)
 {
-    m_settling.setSingleShot(true);
-    m_settling.setInterval(settlingTimeMs);
-    connect(&m_settling, &QTimer::timeout, this, &FrontWatch::frontSettled);
     listen();
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -70,58 +75,6 @@ bool FrontWatch::isOurs(FrontWindow &front, quint32 window)
         window = front.ownerOf(window);
     }
     return false;
-}
-
-bool FrontWatch::areWeInFront()
-{
-    const xcb_window_t window = m_front.active();
-    if (window != FrontWindow::noWindow ? isOurs(m_front, window) : toolkitSaysActive(m_front)) {
-        m_wereInFront = m_wereInFront || window != FrontWindow::noWindow;
-        return true;
-    }
-    if (m_wereInFront && !m_settling.isActive())
-        m_settling.start(); // perhaps only for a moment: the answer is due a little later
-    return m_wereInFront;
-}
-
-void FrontWatch::expectToComeForward()
-{
-    m_settling.stop();
-    m_wereInFront = isOurs(m_front, m_front.active());
-}
-
-void FrontWatch::settleNow()
-{
-    if (m_settling.isActive() && isLost()) {
-        QEvent event(QEvent::ApplicationDeactivate);
-        QCoreApplication::sendEvent(qApp, &event);
-    }
-}
-
-void FrontWatch::frontChanged()
-{
-    const xcb_window_t window = m_front.active();
-    if (window != FrontWindow::noWindow && isOurs(m_front, window)) {
-        m_wereInFront = true;
-        m_settling.stop();
-    } else if (m_wereInFront) {
-        m_settling.start();
-    }
-}
-
-void FrontWatch::frontSettled()
-{
-    if (isLost())
-        QCoreApplication::postEvent(qApp, new QEvent(QEvent::ApplicationDeactivate));
-}
-
-/// Whether another program is in front, without any further patience.
-bool FrontWatch::isLost()
-{
-    m_settling.stop();
-    m_wereInFront = false;
-    m_wereInFront = areWeInFront();
-    return !m_wereInFront;
 }
 
 bool FrontWatch::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result)

@@ -11,13 +11,15 @@ from .waiting import wait_for
 
 
 class Desktop(Session):
-    """An X server of its own with a window manager."""
+    """An X server of its own with a window manager. A second screen stands right of the first."""
 
     session_type = "x11"
 
-    def __init__(self, width=1280, height=800, manager=None):
+    def __init__(self, width=1280, height=800, manager=None, second_screen=None):
         super().__init__()
         self._width, self._height = width, height
+        self._second_screen = second_screen  # (width, height)
+        self.has_second_screen = False
         self.manager = manager or managers.chosen()
         self.window_manager = None  # the window manager's process
 
@@ -104,6 +106,16 @@ class Desktop(Session):
         self.screen.go_to_workspace(0)
         wait_for(lambda: self.screen.current_workspace() == 0, "the first workspace")
 
+    def plug_second_screen(self):
+        width, height = self._second_screen
+        self._tool("xrandr", "--setmonitor", "second", f"{width}/300x{height}/200+{self._width}+0",
+                   "none")
+        self.has_second_screen = True
+
+    def unplug_second_screen(self):
+        self._tool("xrandr", "--delmonitor", "second")
+        self.has_second_screen = False
+
     # Starting the parts.
 
     def _start_parts(self):
@@ -115,10 +127,11 @@ class Desktop(Session):
     def _start_x_server(self):
         read_end, write_end = os.pipe()
         log = open(os.path.join(self.folder, "xvfb.log"), "wb")
+        width, height = self._second_screen or (0, 0)
+        size = f"{self._width + width}x{max(self._height, height)}x24"
         self.display_server = self.run(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0",
-             f"{self._width}x{self._height}x24", "-nolisten", "tcp", "-noreset"],
-            pass_fds=(write_end,), stdout=log, stderr=log)
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", size, "-nolisten", "tcp",
+             "-noreset"], pass_fds=(write_end,), stdout=log, stderr=log)
         os.close(write_end)
         log.close()
         with os.fdopen(read_end) as answer:
@@ -130,6 +143,10 @@ class Desktop(Session):
         # The layout is set before any program starts, so that none sees the keyboard change.
         self.layout("us")
         self.park_pointer()
+        if self._second_screen:
+            self._tool("xrandr", "--setmonitor", "first", f"{self._width}/300x{self._height}/200+0+0",
+                       "screen")
+            self.plug_second_screen()
 
     def _start_window_manager(self):
         for name, text in self.manager.files.items():

@@ -9,20 +9,23 @@ _I3_CONFIG = """# i3 config file (v4)
 font pango:DejaVu Sans Mono 8
 """
 
+_XFWM4_SETTINGS = "config/xfce4/xfconf/xfce-perchannel-xml/xfwm4.xml"
+
+
+def _xfwm4(**settings):
+    """xfwm4's settings. Prevention of focus stealing, its strength, has to be asked for."""
+    lines = [f'    <property name="{name}" type="{kind}" value="{value}"/>\n'
+             for name, (kind, value) in {"prevent_focus_stealing": ("bool", "true"), **settings}.items()]
+    return ('<?xml version="1.0" encoding="UTF-8"?>\n<channel name="xfwm4" version="1.0">\n'
+            f'  <property name="general" type="empty">\n{"".join(lines)}  </property>\n</channel>\n')
+
+
 # The same managers, told that the keyboard follows the pointer. By itself xfwm4 waits a quarter of a
 # second before it does, so that crossing a window would show nothing.
 _OPENBOX_POINTER = """<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc">
   <focus><followMouse>yes</followMouse></focus>
 </openbox_config>
-"""
-_XFWM4_POINTER = """<?xml version="1.0" encoding="UTF-8"?>
-<channel name="xfwm4" version="1.0">
-  <property name="general" type="empty">
-    <property name="click_to_focus" type="bool" value="false"/>
-    <property name="focus_delay" type="int" value="5"/>
-  </property>
-</channel>
 """
 _METACITY_POINTER = """[org/gnome/desktop/wm/preferences]
 focus-mode='sloppy'
@@ -54,8 +57,9 @@ class WindowManager:
 _ALL = (
     WindowManager("openbox", ("openbox",),
                   pointer_files={"config/openbox/rc.xml": _OPENBOX_POINTER}),
-    WindowManager("xfwm4", ("xfwm4",), minimises_boxes=False, pointer_files={
-        "config/xfce4/xfconf/xfce-perchannel-xml/xfwm4.xml": _XFWM4_POINTER}),
+    WindowManager("xfwm4", ("xfwm4",), files={_XFWM4_SETTINGS: _xfwm4()}, minimises_boxes=False,
+                  pointer_files={_XFWM4_SETTINGS: _xfwm4(click_to_focus=("bool", "false"),
+                                                         focus_delay=("int", "5"))}),
     WindowManager("metacity", ("metacity",),
                   pointer_files={"config/glib-2.0/settings/keyfile": _METACITY_POINTER},
                   pointer_env={"GSETTINGS_BACKEND": "keyfile"}),

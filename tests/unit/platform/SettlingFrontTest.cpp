@@ -6,6 +6,8 @@
 namespace
 {
 
+constexpr int comingTimeMs = 2000;
+
 /// Counts what the application object is told about losing the front.
 class Losses : public QObject
 {
@@ -36,6 +38,7 @@ private slots:
     void aMomentWithoutAnybodyInFrontIsNoLoss();
     void aLossThatLastsIsToldOnce();
     void aLossIsToldAtOnceWhenTheUserActsOnIt();
+    void anotherWindowsTurnBeginsThePatienceAnew();
     void comingForwardSurvivesTheWindowsThatClose();
     void comingForwardInVainEndsInTime();
     void whoCameForwardLosesTheFrontAsUsual();
@@ -100,10 +103,25 @@ void SettlingFrontTest::aLossIsToldAtOnceWhenTheUserActsOnIt()
     QCOMPARE(losses.count, 1);
 }
 
-void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
+void SettlingFrontTest::anotherWindowsTurnBeginsThePatienceAnew()
 {
     const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    m_inFront = true;
+    front.frontChanged();
+    m_inFront = false;
+    for (int turn = 0; turn < 9; ++turn) {
+        front.frontChanged();
+        QTest::qWait(SettlingFront::settlingTimeMs / 6);
+    }
+    QCOMPARE(losses.count, 0);
+    QTRY_COMPARE(losses.count, 1);
+}
+
+void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
     front.expectToComeForward();
     QVERIFY(front.areWeInFront()); // a splash screen has just closed, and nobody is in front
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
@@ -114,21 +132,21 @@ void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
 
 void SettlingFrontTest::comingForwardInVainEndsInTime()
 {
-    SettlingFront front([this] { return m_inFront; });
+    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
     front.expectToComeForward();
-    QTRY_VERIFY_WITH_TIMEOUT(!front.areWeInFront(), 2 * SettlingFront::comingTimeMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!front.areWeInFront(), 2 * comingTimeMs);
 }
 
 void SettlingFrontTest::whoCameForwardLosesTheFrontAsUsual()
 {
     const Losses losses;
-    SettlingFront front([this] { return m_inFront; });
+    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
     front.expectToComeForward();
     m_inFront = true;
     QVERIFY(front.areWeInFront());
     m_inFront = false;
     QVERIFY(front.areWeInFront());
-    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, SettlingFront::comingTimeMs / 2);
+    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, comingTimeMs / 2);
 }
 
 QTEST_GUILESS_MAIN(SettlingFrontTest)
