@@ -5,15 +5,16 @@ from gi.repository import GLib
 
 from brindle_e2e import datafile
 from brindle_e2e.accessibility import connect
-from brindle_e2e.case import main
+from brindle_e2e.case import PROGRAM, main
 from brindle_e2e.portal import INTERFACE, PATH
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
 from brindle_e2e.wayland import FLOATING
-from brindle_e2e.wayland_case import INSTEAD, WaylandTestCase
+from brindle_e2e.wayland_case import APP_ID, INSTEAD, WaylandTestCase
 from brindle_e2e.windows import SETTINGS
 
 TRIGGER = "CTRL+ALT+space"  # in the spelling of the desktops' shortcuts specification
-ONLY_TOKENS_GIVE_FOCUS = ('no_focus [app_id="(?i)brindle$"]\n'
+# For the main window; what a program opens while it has the front gets the front everywhere.
+ONLY_TOKENS_GIVE_FOCUS = (r'no_focus [app_id="(?i)brindle$" title="^Brindle($| \()"]' "\n"
                           "focus_on_window_activation focus\n")
 
 
@@ -82,6 +83,15 @@ class Hotkey(WaylandTestCase):
         self.start()
         self.portal.wait_for_triggers("CTRL+ALT+b")
 
+    def test_another_key_chosen_in_the_desktops_settings_is_the_desktops_business(self):
+        brindle = self.start_beside()
+        self.portal.change_trigger("Press Meta+B")
+        brindle.bring_back()
+        self.assertEqual(self.notice(brindle), "")
+        self.press_hotkey()
+        brindle.wait_until_hidden()
+        self.assertEqual(len(self.portal.calls("BindShortcuts")), 1)
+
     def test_only_the_portals_word_on_our_session_and_shortcut_counts(self):
         brindle = self.start_beside()
         session, owner, ((shortcut, _),) = self.portal.sessions()[0]
@@ -137,6 +147,49 @@ class Tokens(WaylandTestCase):
                 brindle.wait_until_hidden(4)
                 self.other_has_keyboard("still here")
         brindle.bring_back()
+
+
+    def test_an_open_box_gets_the_front_by_the_token(self):
+        brindle = self.start_beside()
+        brindle.bring_back()
+        brindle.go("ctrl+l", "First")
+        brindle.write_entry("Changed")
+        brindle.keys("ctrl+q")
+        box = brindle.wait_for_box()
+        self.wait_for_front("Save changes?")
+        self.desktop.screen.activate(self.other.window)
+        brindle.wait_until_hidden()
+        self.other_has_keyboard("meanwhile")
+        self.press_hotkey()
+        self.wait_for_front("Save changes?")
+        brindle.keys("Escape")
+        wait_for(lambda: not box.node.has("showing"), "the box cancelled by a key")
+        brindle.wait_until_in_front()
+
+    def wait_for_front(self, title):
+        screen = self.desktop.screen
+        wait_for(lambda: screen.title(screen.active_window()) == title, f"{title!r} in front")
+
+    def test_a_command_hands_its_token_on_to_the_running_copy(self):
+        brindle = self.start_beside()
+        self.call("--toggle", token="")
+        wait_for(brindle.is_on_the_screen, "the window behind")
+        self.other_has_keyboard("undisturbed")
+        self.call("--toggle", token="")
+        brindle.wait_until_hidden()
+        for option in ("--toggle", "--activate"):
+            with self.subTest(option=option):
+                self.call(option, self.desktop.activation_token(APP_ID))
+                brindle.wait_until_in_front()
+                brindle.keys("Escape")
+                brindle.wait_until_hidden()
+                self.other_has_keyboard(f"back after {option}")
+
+    def call(self, option, token):
+        """What a launcher or a key binding of the desktop does."""
+        call = self.helper([PROGRAM, option],
+                           extra_env={**self.home.env, "XDG_ACTIVATION_TOKEN": token})
+        self.assertEqual(call.wait(20), 0)
 
 
 class NoHotkey(WaylandTestCase):

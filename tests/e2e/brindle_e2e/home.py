@@ -66,11 +66,16 @@ class Home:
 
     def stored_place(self, window="HierarchyWindow"):
         """(x, y, width, height) that the settings hold for a window, or None."""
-        values = self.settings(window)
-        numbers = [re.findall(r"-?\d+", values.get(key, "")) for key in ("pos", "size")]
-        if [len(found) for found in numbers] != [2, 2]:
-            return None
-        return tuple(int(number) for found in numbers for number in found)
+        pos, size = self._stored_pair(window, "pos"), self.stored_size(window)
+        return pos + size if pos and size else None
+
+    def stored_size(self, window="HierarchyWindow"):
+        """(width, height) that the settings hold for a window, or None."""
+        return self._stored_pair(window, "size")
+
+    def _stored_pair(self, window, key):
+        numbers = re.findall(r"-?\d+", self.settings(window).get(key, ""))
+        return tuple(map(int, numbers)) if len(numbers) == 2 else None
 
 
 def _without_update_check(settings):

@@ -3,6 +3,7 @@
 
 import json
 import os
+import re
 import socket
 import struct
 import subprocess
@@ -77,13 +78,13 @@ class SwayScreen:
     def shown_again(self, window_id, pid):
         """The id that the program's main window has by now: each showing makes a new window."""
         return next((view["id"] for view in self._views() if view["pid"] == pid
-                     and (view["name"] == "Brindle" or view["name"].startswith("Brindle ("))),
-                    window_id)
+                     and re.match(r"Brindle($| \()", view["name"] or "")), window_id)
 
     def shows(self, window_id, node):
         """Whether a window is that of a node. A program doesn't know where its windows are."""
-        return (self.title(window_id) == node.name
-                and self.place(window_id)[2:] == tuple(node.extents)[2:])
+        place = self.place(window_id)
+        return (place is not None and place[2:] == tuple(node.extents)[2:]
+                and self.title(window_id) == node.name)
 
     def spot(self, window_id, window_node, node):
         """The place of a part on the screen, from what the program says about it."""
