@@ -15,6 +15,8 @@ void NativeSupport::setActivationToken(const QByteArray &token)
     Q_UNUSED(token)
 }
 
+void NativeSupport::settleFront() { }
+
 QString NativeSupport::getActivationHotkeyNotice()
 {
     return {};

@@ -62,6 +62,11 @@ public:
     /// the desktop. Empty forgets the last one. Desktops without such a thing keep this empty body.
     virtual void setActivationToken(const QByteArray &token);
 
+    /// The user does something that depends on who is in front: a loss of the front that the
+    /// desktop has still to prove counts from now on. Desktops that know at once keep this empty
+    /// body.
+    virtual void settleFront();
+
     /// One sentence or two for the user when the activation hotkey does not work on this desktop,
     /// saying why and what to use instead; empty when it works, or when that is not known yet.
     virtual QString getActivationHotkeyNotice();

@@ -239,7 +239,10 @@ void AppActivationSupport::handleRequest(const InstanceRequest &request)
         m_earlyRequests.append(request);
         return;
     }
-    if (request.kind == InstanceRequest::Kind::Toggle && m_active) {
+    const bool toggles = request.kind == InstanceRequest::Kind::Toggle;
+    if (toggles)
+        m_nativeSupport->settleFront();
+    if (toggles && m_active) {
         toggleActivationWithProcessHandling();
         return;
     }

@@ -2,11 +2,8 @@
 #include "platform/portal/PortalHotkey.h"
 
 #include "platform/PlatformLog.h"
-#include "platform/SessionBus.h"
 #include "platform/portal/Portal.h"
 #include "platform/portal/PortalSession.h"
-
-#include <QDBusConnection>
 
 using namespace Qt::StringLiterals;
 
@@ -15,8 +12,8 @@ PortalHotkey::PortalHotkey()
     connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &PortalHotkey::bind);
     connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this,
             [this] { giveUp(u"the desktop portal has gone"_s); });
-    if (const auto bus = SessionBus::connection()) {
-        m_watcher.setConnection(*bus);
+    if (m_bus.isConnected()) {
+        m_watcher.setConnection(m_bus.connection());
         m_watcher.addWatchedService(Portal::service);
     }
 }
@@ -33,12 +30,11 @@ void PortalHotkey::bind()
 {
     m_session.reset();
     m_unavailable = false;
-    const auto bus = SessionBus::connection();
-    if (!bus) {
+    if (!m_bus.isConnected()) {
         giveUp(u"there is no session bus"_s);
         return;
     }
-    m_session = std::make_unique<PortalSession>(*bus, m_trigger);
+    m_session = std::make_unique<PortalSession>(m_bus.connection(), m_trigger);
     connect(m_session.get(), &PortalSession::pressed, this, &PortalHotkey::pressed);
     connect(m_session.get(), &PortalSession::failed, this, &PortalHotkey::giveUp,
             Qt::QueuedConnection); // the session can't be deleted in the middle of saying so

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/BusConnection.h"
+
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
@@ -33,6 +35,7 @@ private:
 
     QString m_trigger;
     bool m_unavailable = false;
+    BusConnection m_bus;
     std::unique_ptr<PortalSession> m_session;
     QDBusServiceWatcher m_watcher;
 };

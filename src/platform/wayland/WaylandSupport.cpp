@@ -68,7 +68,7 @@ bool WaylandSupport::attach()
     m_hotkey = std::make_unique<PortalHotkey>();
     connect(m_hotkey.get(), &PortalHotkey::pressed, this, [this](const QByteArray &token) {
         setActivationToken(token);
-        m_front->settleNow();
+        settleFront();
         emit hotKeyPressed();
     });
     return true;
@@ -108,6 +108,12 @@ void WaylandSupport::requestFront(QWindow *window)
         return;
     m_front->expectToComeForward();
     m_requests->request(window);
+}
+
+void WaylandSupport::settleFront()
+{
+    if (attach())
+        m_front->settleNow();
 }
 
 void WaylandSupport::bringForward(QWindow *window)

@@ -57,7 +57,7 @@ bool X11Support::attach()
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
-        m_watch->settleNow();
+        settleFront();
         m_watch->expectToComeForward();
         emit hotKeyPressed();
     });
@@ -103,6 +103,12 @@ void X11Support::requestFront(QWindow *window)
 void X11Support::setActivationToken(const QByteArray &token)
 {
     m_tokenTime = timeOf(token);
+}
+
+void X11Support::settleFront()
+{
+    if (attach())
+        m_watch->settleNow();
 }
 
 void X11Support::bringForward(const QWindow *window)

@@ -30,6 +30,7 @@ public:
     void restoreCapturedProcess() override;
     void setActivationHotkey(unsigned int virtualKey) override;
     void requestFront(QWindow *window) override;
+    void settleFront() override;
     void setActivationToken(const QByteArray &token) override;
 
 private:

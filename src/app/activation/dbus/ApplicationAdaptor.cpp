@@ -2,7 +2,7 @@
 #include "app/activation/dbus/ApplicationAdaptor.h"
 
 #include "app/activation/InstanceLog.h"
-#include "app/activation/dbus/BusConnection.h"
+#include "app/activation/dbus/ApplicationBusName.h"
 
 #include <QUrl>
 

@@ -2,7 +2,8 @@
 #include "app/activation/BusInstance.h"
 
 #include "app/activation/InstanceLog.h"
-#include "app/activation/dbus/BusConnection.h"
+#include "app/activation/dbus/ApplicationBusName.h"
+#include "platform/BusConnection.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>

@@ -3,7 +3,8 @@
 
 #include "app/activation/InstanceLog.h"
 #include "app/activation/dbus/ApplicationAdaptor.h"
-#include "app/activation/dbus/BusConnection.h"
+#include "app/activation/dbus/ApplicationBusName.h"
+#include "platform/BusConnection.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/activation/dbus/BusConnection.h"
-
-#include "app/activation/InstanceEndpoint.h"
+#include "platform/BusConnection.h"
 
 #include <QFile>
 #include <QUuid>
@@ -35,15 +33,4 @@ BusConnection::BusConnection()
 BusConnection::~BusConnection()
 {
     QDBusConnection::disconnectFromBus(m_name);
-}
-
-QString ApplicationBusName::service()
-{
-    return InstanceEndpoint::name();
-}
-
-QString ApplicationBusName::objectPath()
-{
-    // A domain may hold a hyphen, a path may not.
-    return u'/' + service().replace(u'.', u'/').replace(u'-', u'_');
 }
