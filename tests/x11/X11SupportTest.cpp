@@ -94,6 +94,7 @@ private slots:
     void theHotkeyEndsTheWaitForALossToSettle();
     void aDialogOfAnotherProcessForOurWindowIsOurs();
     void ourOwnDialogsNeverLoseTheFront();
+    void aHiddenWindowThatComesUpLateIsTakenAway();
 
 private:
     void showInFront();
@@ -522,6 +523,23 @@ void X11SupportTest::ourOwnDialogsNeverLoseTheFront()
     }
     QTest::qWait(2 * settledMs);
     QCOMPARE(counter.losses, 0);
+}
+
+void X11SupportTest::aHiddenWindowThatComesUpLateIsTakenAway()
+{
+    const OtherProgram other;
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    m_window->hide();
+    QTRY_COMPARE(XTools::activeWindow(), other.window());
+    QVERIFY(!XTools::run(u"xdotool"_s, {u"windowmap"_s, QString::number(window)}).isNull());
+    QTest::qWait(settledMs);
+    QVERIFY(!XTools::isMapped(window));
+    QCOMPARE(XTools::activeWindow(), other.window());
+    m_window->show();
+    QTRY_VERIFY(XTools::isMapped(window));
+    QTest::qWait(settledMs);
+    QVERIFY(XTools::isMapped(window));
 }
 
 QTEST_MAIN(X11SupportTest)
