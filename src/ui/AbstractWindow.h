@@ -75,5 +75,4 @@ private:
     QTimer *m_settleTimer; ///< Runs for a while after the window was shown.
     QDeadlineTimer m_settled;
     QPoint m_settlingAt; ///< Where the frame is to be meanwhile.
-    QDeadlineTimer m_insisting; ///< Until then another place can't be the user's will.
 };
