@@ -24,6 +24,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QFileOpenEvent>
 #include <QIcon>
 #include <QPixmap>
 #include <QSessionManager>
@@ -52,9 +53,21 @@ AppLifecycle::AppLifecycle(QApplication *app, NativeSupport *nativeSupport, QStr
     , m_filesToOpen(std::move(filesToOpen))
 {
     connect(&m_splashTimer, &QTimer::timeout, this, &AppLifecycle::nextSplashScreenState);
+    m_app->installEventFilter(this);
 }
 
 AppLifecycle::~AppLifecycle() = default;
+
+bool AppLifecycle::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_app || event->type() != QEvent::FileOpen)
+        return false;
+    const QString file = static_cast<QFileOpenEvent *>(event)->file();
+    if (file.isEmpty()) // an address on the net, perhaps
+        return false;
+    m_filesToOpen.append(file);
+    return true;
+}
 
 void AppLifecycle::startup()
 {
@@ -70,6 +83,7 @@ void AppLifecycle::startup()
         return;
     connectComponents();
     connect(m_app, &QCoreApplication::aboutToQuit, this, &AppLifecycle::shutdown);
+    m_app->removeEventFilter(this);
     openFilesFromCommandLine();
     m_startupDone = true;
     if (m_splashDone)

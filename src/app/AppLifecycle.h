@@ -34,6 +34,9 @@ public:
     /// A running copy gets the files, or just comes forward, without the user being asked.
     void askNoQuestions() { m_asksQuestions = false; }
 
+    /// Until start-up has opened its files: one that a Mac names by an event is among them.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 public slots:
     void startup();
     void shutdown();

@@ -7,8 +7,8 @@
 #include <memory>
 
 /// The running copy as desktops know a program: the interface org.freedesktop.Application on the
-/// session bus, under the program's own name. Where there is no session bus the toolkit's event
-/// that a file is to be opened takes its place.
+/// session bus, under the program's own name. Where there is no session bus the toolkit's events
+/// that a file is to be opened and that the program is to end take its place.
 class DesktopApplication : public QObject
 {
     Q_OBJECT

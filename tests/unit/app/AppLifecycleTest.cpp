@@ -6,6 +6,7 @@
 #include "ui/FindWindow.h"
 #include "ui/TodoListWindow.h"
 
+#include <QFileOpenEvent>
 #include <QListView>
 #include <QSplashScreen>
 #include <QtTest>
@@ -54,6 +55,9 @@ private slots:
     void theHotkeyTogglesTheApplication();
     void theDesktopKnowsItsMenuEntry();
     void theEndClosesTheFilesAndLeavesTheSettings();
+    void aFileNamedByAnEventBeforeStartUpIsOpened();
+    void anAddressBeforeStartUpIsNoFile();
+    void startUpTakesNoFilesLater();
 };
 
 void AppLifecycleTest::settingsHoldingAppstartedLoseThatKey()
@@ -181,6 +185,36 @@ void AppLifecycleTest::theEndClosesTheFilesAndLeavesTheSettings()
     QCOMPARE(QSettings().value(u"loadfiles/0"_s).toString(), program.settings.filePath(u"a.bdl"_s));
     const DiskStore store(program.settings.filePath(u"a.bdl"_s));
     QCOMPARE(store.dbFileName(), u"a.bdl"_s);
+}
+
+void AppLifecycleTest::aFileNamedByAnEventBeforeStartUpIsOpened()
+{
+    RunningProgram program;
+    const QString path = program.settings.filePath(u"b.bdl"_s);
+    DiskStore(path).commitAndRestartTransaction();
+    program.lifecycle = std::make_unique<AppLifecycle>(qApp, &program.native, QStringList());
+    QFileOpenEvent event(path);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &event));
+    program.lifecycle->startup();
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"b.bdl"_s);
+}
+
+void AppLifecycleTest::anAddressBeforeStartUpIsNoFile()
+{
+    RunningProgram program;
+    program.lifecycle = std::make_unique<AppLifecycle>(qApp, &program.native, QStringList());
+    QFileOpenEvent event(QUrl(u"https://maker.example/b.bdl"_s));
+    QVERIFY(!QCoreApplication::sendEvent(qApp, &event));
+    program.lifecycle->startup();
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"a.bdl"_s);
+}
+
+void AppLifecycleTest::startUpTakesNoFilesLater()
+{
+    RunningProgram program;
+    program.start();
+    QFileOpenEvent event(program.settings.filePath(u"b.bdl"_s));
+    QVERIFY(!QCoreApplication::sendEvent(qApp, &event)); // left to whoever serves the desktop
 }
 
 QTEST_MAIN(AppLifecycleTest)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Without a session bus: a Mac tells the running copy by an event which file the user has chosen.
+// Without a session bus: a Mac tells the running copy by events which file the user has chosen, and
+// that the program is to end.
 #include "app/activation/DesktopApplication.h"
 
 #include <QCoreApplication>
@@ -15,17 +16,27 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        Q_UNUSED(watched)
-        if (event->type() != QEvent::FileOpen)
+        if (watched != QCoreApplication::instance())
             return false;
-        const QString file = static_cast<QFileOpenEvent *>(event)->file();
+        if (event->type() == QEvent::FileOpen)
+            return open(static_cast<QFileOpenEvent *>(event)->file());
+        if (event->type() != QEvent::Quit)
+            return false;
+        // The toolkit would ask the windows, and the main window refuses to close.
+        event->ignore();
+        emit m_owner->requested({InstanceRequest::Kind::Terminate, {}, {}});
+        return true;
+    }
+
+private:
+    bool open(const QString &file)
+    {
         if (file.isEmpty()) // an address on the net, perhaps
             return false;
         emit m_owner->requested(InstanceRequest::toOpen({file}));
         return true;
     }
 
-private:
     DesktopApplication *m_owner;
 };
 

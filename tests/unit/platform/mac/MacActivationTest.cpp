@@ -8,6 +8,7 @@
 #include <QFileOpenEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QWidget>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -57,6 +58,8 @@ private slots:
     void thePrefixIsThatOfTheMac();
     void aFileChosenInTheFinderIsOpened();
     void anAddressThatIsNoFileIsLeftToOthers();
+    void quittingAsksForTheEndAndNotTheWindows();
+    void onlyTheApplicationItselfCanBeQuit();
 };
 
 void MacActivationTest::anEmptySettingsStoreRegistersTheSpaceBar()
@@ -154,6 +157,36 @@ void MacActivationTest::anAddressThatIsNoFileIsLeftToOthers()
     QCoreApplication::processEvents();
     QCOMPARE(openings.count(), 0);
     QVERIFY(!bench.activation.isAppActive());
+}
+
+void MacActivationTest::quittingAsksForTheEndAndNotTheWindows()
+{
+    const Serving serving;
+    Bench bench;
+    QWidget window;
+    window.show();
+    QSignalSpy terminations(&bench.activation, &AppActivationSupport::requestTermination);
+    QVERIFY(!bench.activation.checkForOtherInstances());
+    bench.activation.acceptRequests();
+    QEvent event(QEvent::Quit);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &event));
+    QVERIFY(!event.isAccepted()); // the Mac goes on only when the program ends by itself
+    QVERIFY(window.isVisible());
+    QTRY_COMPARE(terminations.count(), 1);
+}
+
+void MacActivationTest::onlyTheApplicationItselfCanBeQuit()
+{
+    const Serving serving;
+    Bench bench;
+    QSignalSpy terminations(&bench.activation, &AppActivationSupport::requestTermination);
+    QVERIFY(!bench.activation.checkForOtherInstances());
+    bench.activation.acceptRequests();
+    QObject other;
+    QEvent event(QEvent::Quit);
+    QVERIFY(!QCoreApplication::sendEvent(&other, &event));
+    QCoreApplication::processEvents();
+    QCOMPARE(terminations.count(), 0);
 }
 
 QTEST_MAIN(MacActivationTest)
