@@ -16,9 +16,7 @@ namespace
 constexpr int managerShift = 64;
 /// By then even a busy window manager has framed a window that was just shown.
 constexpr int settlingTimeMs = 1000;
-/// Earlier, while the window is being framed, the toolkit and the manager don't mean the same
-/// place.
-constexpr int settlingPaceMs = 150;
+constexpr int settlingPaceMs = 50;
 
 /// Where the frame stands. QWidget::pos() goes on counting with the width of a frame that the
 /// window manager took away when it hid the window.
@@ -183,6 +181,8 @@ void AbstractWindow::moveEvent(QMoveEvent *event)
 {
     QDialog::moveEvent(event);
     saveLater(*event);
+    if (m_settleTimer->isActive()) // mended at once; the frame is known only after this event
+        QMetaObject::invokeMethod(this, &AbstractWindow::settle, Qt::QueuedConnection);
 }
 
 void AbstractWindow::resizeEvent(QResizeEvent *event)
