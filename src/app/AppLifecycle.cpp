@@ -189,7 +189,6 @@ void AppLifecycle::createModelsAndWindows()
         static_cast<int>(m_nativeSupport->getShortcutModifier().toInt()),
         m_nativeSupport->getShortcutModifierKey());
     m_findWindow = std::make_unique<FindWindow>(m_fileManager.get(), nullptr);
-    m_mainWindow->winId(); // makes its handle
     m_todoListWindow->belongTo(*m_mainWindow);
     m_findWindow->belongTo(*m_mainWindow);
     m_commandFilter = std::make_unique<AppCommandFilter>(

@@ -120,6 +120,10 @@ void AbstractWindow::setVisible(bool visible)
 {
     if (!visible && isVisible())
         savePendingPlace();
+    if (visible && m_owner && m_owner->windowHandle()) {
+        winId(); // makes the handle, once the place is known
+        windowHandle()->setTransientParent(m_owner->windowHandle());
+    }
     QDialog::setVisible(visible);
 }
 
@@ -142,8 +146,7 @@ void AbstractWindow::savePendingPlace()
 
 void AbstractWindow::belongTo(const QWidget &owner)
 {
-    winId(); // makes the handle
-    windowHandle()->setTransientParent(owner.windowHandle());
+    m_owner = &owner;
 }
 
 void AbstractWindow::activate()
