@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/mac/CarbonEvent.h"
 
+static_assert(typeEventHotKeyID == 0x686B6964, "'hkid'");
+static_assert(kEventParamDirectObject == 0x2D2D2D2D, "'----'");
+
 CarbonEvent::CarbonEvent(EventRef event)
     : m_event(event)
 {

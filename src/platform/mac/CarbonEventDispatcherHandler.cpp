@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/mac/CarbonEventDispatcherHandler.h"
 
+#include "platform/PlatformLog.h"
 #include "platform/mac/CarbonEvent.h"
 #include "platform/mac/CarbonHotKey.h"
 
@@ -10,6 +11,11 @@
 
 namespace
 {
+
+static_assert(kEventClassKeyboard == 0x6B657962, "'keyb'");
+static_assert(kEventHotKeyPressed == 5);
+static_assert(kEventHotKeyReleased == 6);
+static_assert(eventNotHandledErr == -9874);
 
 constexpr OSType hotKeySignature = 0x42726E64; // "Brnd"
 
@@ -44,10 +50,18 @@ CarbonEventDispatcherHandler::CarbonEventDispatcherHandler()
 {
     static constexpr std::array<EventTypeSpec, 2> eventTypes{
         {{kEventClassKeyboard, kEventHotKeyPressed}, {kEventClassKeyboard, kEventHotKeyReleased}}};
-    AddEventTypesToHandler(eventHandlerRef(), eventTypes.size(), eventTypes.data());
+    if (EventHandlerRef handler = eventHandlerRef()) {
+        const OSStatus status
+            = AddEventTypesToHandler(handler, eventTypes.size(), eventTypes.data());
+        if (status != noErr)
+            qCDebug(platformLog) << "the Mac refused to send the events of hot keys:" << status;
+    }
     m_hotKeys.reset(CFDictionaryCreateMutable(kCFAllocatorDefault, 0, nullptr, nullptr));
 }
 
+// The platform's handler stays, and its user data dangles from here on. It may: the program's one
+// object of this class belongs to the NativeSupport that main never deletes, so that no event comes
+// after it.
 CarbonEventDispatcherHandler::~CarbonEventDispatcherHandler()
 {
     for (CarbonHotKey *hotKey : hotKeysIn(m_hotKeys.get()))

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/mac/CarbonEventHandler.h"
 
+#include "platform/PlatformLog.h"
 #include "platform/mac/CarbonEvent.h"
 
 namespace
@@ -35,7 +36,11 @@ OSStatus CarbonEventHandler::handleEvent(CarbonEvent *event, EventHandlerCallRef
 
 EventHandlerRef CarbonEventHandler::eventHandlerRef()
 {
-    if (!m_handlerRef)
-        InstallEventHandler(eventTarget(), sharedCallback(), 0, nullptr, this, &m_handlerRef);
+    if (!m_handlerRef) {
+        const OSStatus status
+            = InstallEventHandler(eventTarget(), sharedCallback(), 0, nullptr, this, &m_handlerRef);
+        if (status != noErr)
+            qCDebug(platformLog) << "the Mac refused an event handler:" << status;
+    }
     return m_handlerRef;
 }

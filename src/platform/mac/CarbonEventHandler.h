@@ -24,7 +24,8 @@ public:
     /// counts as not handled when one of the two is missing.
     virtual OSStatus handleEvent(CarbonEvent *event, EventHandlerCallRef call);
 
-    /// The platform's handler, installed for no event types at the first request.
+    /// The platform's handler, installed for no event types at the first request; null when the
+    /// platform refuses.
     EventHandlerRef eventHandlerRef();
 
 private:

@@ -6,6 +6,7 @@
 #include "platform/mac/MacHotKeyCallback.h"
 
 #include <QKeySequence>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -17,22 +18,36 @@ constexpr char16_t controlSymbol = 0x2303;
 constexpr char16_t shiftSymbol = 0x21E7;
 constexpr char16_t deleteSymbol = 0x232B;
 
+// The hot key counts on these values: users keep the key's code in their settings.
+constexpr UInt32 activationModifiers = cmdKey | controlKey;
+static_assert(activationModifiers == 0x1100);
+static_assert(kVK_Space == 49);
+
 // The Process Manager is deprecated, but what replaces it can't bring the front window of another
 // program forward without its other windows.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
-ProcessSerialNumber currentProcess()
+static_assert(kSetFrontProcessFrontWindowOnly == 1);
+
+/// Nothing when the Mac doesn't say.
+std::optional<ProcessSerialNumber> currentProcess()
 {
     ProcessSerialNumber process{};
-    GetCurrentProcess(&process);
+    if (const OSErr error = GetCurrentProcess(&process); error != noErr) {
+        qCDebug(platformLog) << "the Mac doesn't tell which process this is:" << error;
+        return {};
+    }
     return process;
 }
 
-ProcessSerialNumber frontProcess()
+std::optional<ProcessSerialNumber> frontProcess()
 {
     ProcessSerialNumber process{};
-    GetFrontProcess(&process);
+    if (const OSErr error = GetFrontProcess(&process); error != noErr) {
+        qCDebug(platformLog) << "the Mac doesn't tell which process is in front:" << error;
+        return {};
+    }
     return process;
 }
 
@@ -60,15 +75,18 @@ MacSupport::~MacSupport() = default;
 
 bool MacSupport::areWeFrontProcess()
 {
-    return areSame(currentProcess(), frontProcess());
+    const std::optional<ProcessSerialNumber> current = currentProcess();
+    const std::optional<ProcessSerialNumber> front = frontProcess();
+    return current && front && areSame(*current, *front);
 }
 
 void MacSupport::captureFrontProcessForRestore()
 {
-    const ProcessSerialNumber front = frontProcess();
-    m_captured = !areSame(front, currentProcess());
+    const std::optional<ProcessSerialNumber> front = frontProcess();
+    const std::optional<ProcessSerialNumber> current = currentProcess();
+    m_captured = front && current && !areSame(*front, *current);
     if (m_captured)
-        m_capturedProcess = front;
+        m_capturedProcess = *front;
 }
 
 void MacSupport::restoreCapturedProcess()
@@ -126,7 +144,7 @@ void MacSupport::setActivationHotkey(unsigned int virtualKey)
 {
     if (m_activationHotKey)
         m_dispatcher->unregisterHotKey(m_activationHotKey);
-    m_activationHotKey = m_dispatcher->registerHotKey(virtualKey, cmdKey | controlKey,
+    m_activationHotKey = m_dispatcher->registerHotKey(virtualKey, activationModifiers,
                                                       m_hotKeyCallback.get(), true);
     if (!m_activationHotKey)
         qCDebug(platformLog) << "the Mac refused the activation hotkey with key" << virtualKey;

@@ -31,6 +31,8 @@ OSStatus InstallEventHandler(EventTargetRef target, EventHandlerUPP handler, Ite
     mac.calls.append(u"install"_s);
     if (!target || !handler)
         return badParameter;
+    if (mac.installationResult != noErr)
+        return mac.installationResult;
     mac.handlers.push_back(std::make_unique<OpaqueEventHandlerRef>());
     OpaqueEventHandlerRef *installed = mac.handlers.back().get();
     installed->target = target;
@@ -53,9 +55,12 @@ OSStatus RemoveEventHandler(EventHandlerRef handler)
 OSStatus AddEventTypesToHandler(EventHandlerRef handler, ItemCount typeCount,
                                 const EventTypeSpec *types)
 {
-    FakeMac::current().calls.append(u"add types"_s);
+    FakeMac &mac = FakeMac::current();
+    mac.calls.append(u"add types"_s);
     if (!handler)
         return badParameter;
+    if (mac.addingTypesResult != noErr)
+        return mac.addingTypesResult;
     handler->types.insert(handler->types.end(), types, types + typeCount);
     return noErr;
 }
@@ -77,6 +82,8 @@ EventRef RetainEvent(EventRef event)
 
 void ReleaseEvent(EventRef event)
 {
+    if (event->retainCount == 1)
+        qFatal("an event was released by more than those who retained it");
     --event->retainCount;
 }
 
@@ -124,6 +131,10 @@ OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID id,
     mac.triedIds.push_back(id);
     if (mac.registrationResult != noErr)
         return mac.registrationResult;
+    for (const OpaqueEventHotKeyRef *hotKey : mac.registeredHotKeys()) {
+        if (hotKey->keyCode == keyCode && hotKey->modifiers == modifiers)
+            return eventHotKeyExistsErr;
+    }
     mac.hotKeys.push_back(std::make_unique<OpaqueEventHotKeyRef>(
         OpaqueEventHotKeyRef{keyCode, modifiers, id, target, options, true}));
     *result = mac.hotKeys.back().get();
@@ -133,23 +144,30 @@ OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID id,
 OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey)
 {
     FakeMac &mac = FakeMac::current();
-    mac.calls.append(hotKey ? u"unregister %1"_s.arg(hotKey->keyCode) : u"unregister nothing"_s);
-    if (!hotKey || !hotKey->registered)
-        return badParameter;
+    const std::vector<const OpaqueEventHotKeyRef *> known = mac.registeredHotKeys();
+    if (std::find(known.begin(), known.end(), hotKey) == known.end()) {
+        mac.calls.append(u"unregister nothing"_s);
+        return eventHotKeyInvalidErr;
+    }
+    mac.calls.append(u"unregister %1"_s.arg(hotKey->keyCode));
     hotKey->registered = false;
     return noErr;
 }
 
 OSErr GetCurrentProcess(ProcessSerialNumber *process)
 {
-    *process = FakeMac::current().currentProcess;
-    return noErr;
+    const FakeMac &mac = FakeMac::current();
+    if (mac.currentProcessResult == noErr)
+        *process = mac.currentProcess;
+    return mac.currentProcessResult;
 }
 
 OSErr GetFrontProcess(ProcessSerialNumber *process)
 {
-    *process = FakeMac::current().frontProcess;
-    return noErr;
+    const FakeMac &mac = FakeMac::current();
+    if (mac.frontProcessResult == noErr)
+        *process = mac.frontProcess;
+    return mac.frontProcessResult;
 }
 
 OSErr SetFrontProcessWithOptions(const ProcessSerialNumber *process, OptionBits options)

@@ -69,8 +69,9 @@ OSStatus FakeMac::send(EventRef event)
     for (const OpaqueEventHandlerRef *handler : receivers) {
         if (handler->target != &dispatcherTarget || !handler->wants(*event))
             continue;
-        if (handler->callback(&call, event, handler->userData) == noErr)
-            return noErr;
+        const OSStatus status = handler->callback(&call, event, handler->userData);
+        if (status != eventNotHandledErr)
+            return status;
     }
     return eventNotHandledErr;
 }

@@ -69,12 +69,12 @@ public:
     /// \name What the platform sends
     /// @{
 
-    /// Sends a press or a release of the key \a keyCode held with \a modifiers: one event for each
-    /// hot key that is registered for them. Returns how many that were.
+    /// Sends a press or a release of the key \a keyCode held with \a modifiers: one event when a
+    /// hot key is registered for them. Returns how many that were.
     int pressKey(UInt32 keyCode, UInt32 modifiers);
     int releaseKey(UInt32 keyCode, UInt32 modifiers);
     /// Sends an event to every handler of the dispatcher that asked for its class and kind, the
-    /// latest first, until one handles it.
+    /// latest first, until one answers anything but that it doesn't handle it.
     OSStatus send(EventRef event);
     /// Calls the latest handler with whatever it is given, asked for or not.
     OSStatus callHandler(EventHandlerCallRef call, EventRef event);
@@ -103,6 +103,10 @@ public:
     /// @{
     ProcessSerialNumber currentProcess{1, 20};
     ProcessSerialNumber frontProcess{1, 10};
+    OSErr currentProcessResult = noErr;
+    OSErr frontProcessResult = noErr;
+    OSStatus installationResult = noErr;
+    OSStatus addingTypesResult = noErr;
     OSStatus registrationResult = noErr;
     OSStatus nextHandlerResult = eventNotHandledErr;
     OpaqueEventTargetRef dispatcherTarget;

@@ -45,6 +45,7 @@ enum {
     eventParameterNotFoundErr = -9870,
     eventNotHandledErr = -9874,
     eventHotKeyExistsErr = -9878,
+    eventHotKeyInvalidErr = -9879,
 };
 enum { kEventClassKeyboard = 0x6B657962 }; // 'keyb'
 enum {

@@ -21,10 +21,12 @@ struct Bench {
     FakeMac mac;
     CarbonEventDispatcherHandler handler;
     CountingCallback callback;
+    UInt32 nextKey = kVK_Space;
 
+    /// The space bar first, then a key of its own for each: the Mac refuses one taken already.
     EventHotKeyRef addHotKey(bool onKeyDown = true)
     {
-        return handler.registerHotKey(kVK_Space, commandControl, &callback, onKeyDown);
+        return handler.registerHotKey(nextKey++, commandControl, &callback, onKeyDown);
     }
     EventRef eventOf(UInt32 kind, EventHotKeyRef hotKey)
     {
@@ -65,6 +67,10 @@ private slots:
     void anEventWhoseCallbackThrowsIsPassedOn();
     void eventsAreReleasedAsOftenAsRetained();
     void aCallbackMayUnregisterItsOwnHotKey();
+    void aCombinationThatIsTakenIsRefusedAndTheFirstStays();
+    void thePlatformsHandlerOutlivesThisOne();
+    void aRefusedHandlerIsALogLineAndNoEventTypesAreAdded();
+    void refusedEventTypesAreALogLine();
 };
 
 void CarbonEventDispatcherHandlerTest::theTargetIsTheEventDispatcher()
@@ -366,6 +372,47 @@ void CarbonEventDispatcherHandlerTest::aCallbackMayUnregisterItsOwnHotKey()
     QCOMPARE(bench.mac.send(event), noErr);
     QCOMPARE(calls, 1);
     QVERIFY(bench.mac.livingDictionary()->entries.empty());
+}
+
+void CarbonEventDispatcherHandlerTest::aCombinationThatIsTakenIsRefusedAndTheFirstStays()
+{
+    Bench bench;
+    CountingCallback late;
+    EventHotKeyRef first = bench.addHotKey();
+    QCOMPARE(bench.handler.registerHotKey(kVK_Space, commandControl, &late, true), nullptr);
+    QCOMPARE(bench.mac.pressKey(kVK_Space, commandControl), 1);
+    QCOMPARE(bench.callback.calls, 1);
+    QCOMPARE(late.calls, 0);
+    bench.handler.unregisterHotKey(first);
+    QVERIFY(bench.handler.registerHotKey(kVK_Space, commandControl, &late, true));
+}
+
+void CarbonEventDispatcherHandlerTest::thePlatformsHandlerOutlivesThisOne()
+{
+    FakeMac mac;
+    {
+        const CarbonEventDispatcherHandler handler;
+    }
+    QCOMPARE(mac.calls, (QStringList{u"install"_s, u"add types"_s}));
+    QCOMPARE(mac.installedHandlers().size(), std::size_t(1));
+}
+
+void CarbonEventDispatcherHandlerTest::aRefusedHandlerIsALogLineAndNoEventTypesAreAdded()
+{
+    FakeMac mac;
+    mac.installationResult = -9860;
+    QTest::ignoreMessage(QtDebugMsg, "the Mac refused an event handler: -9860");
+    const CarbonEventDispatcherHandler handler;
+    QCOMPARE(mac.calls, QStringList{u"install"_s});
+}
+
+void CarbonEventDispatcherHandlerTest::refusedEventTypesAreALogLine()
+{
+    FakeMac mac;
+    mac.addingTypesResult = -50;
+    QTest::ignoreMessage(QtDebugMsg, "the Mac refused to send the events of hot keys: -50");
+    const CarbonEventDispatcherHandler handler;
+    QCOMPARE(mac.calls, (QStringList{u"install"_s, u"add types"_s}));
 }
 
 QTEST_GUILESS_MAIN(CarbonEventDispatcherHandlerTest)

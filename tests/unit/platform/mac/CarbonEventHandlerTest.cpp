@@ -59,6 +59,7 @@ private slots:
     void theBasePassesAnEventOnAndReturnsTheNextHandlersResult();
     void withoutACallReferenceTheBaseHandlesNothing();
     void withoutAnEventTheBaseHandlesNothing();
+    void aRefusedInstallationIsALogLineAndTriedAgain();
 };
 
 void CarbonEventHandlerTest::theBaseHasNoTarget()
@@ -189,6 +190,17 @@ void CarbonEventHandlerTest::withoutAnEventTheBaseHandlesNothing()
     QCOMPARE(CarbonEventHandler().handleEvent(&empty, &mac.call), eventNotHandledErr);
     QCOMPARE(CarbonEventHandler().handleEvent(nullptr, nullptr), eventNotHandledErr);
     QVERIFY(mac.passedOn.empty());
+}
+
+void CarbonEventHandlerTest::aRefusedInstallationIsALogLineAndTriedAgain()
+{
+    FakeMac mac;
+    ListeningHandler handler;
+    mac.installationResult = -9860;
+    QTest::ignoreMessage(QtDebugMsg, "the Mac refused an event handler: -9860");
+    QCOMPARE(handler.eventHandlerRef(), nullptr);
+    mac.installationResult = noErr;
+    QVERIFY(handler.eventHandlerRef());
 }
 
 QTEST_GUILESS_MAIN(CarbonEventHandlerTest)

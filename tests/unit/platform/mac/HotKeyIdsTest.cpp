@@ -20,8 +20,9 @@ void HotKeyIdsTest::idsCountFromOneAndAreNeverUsedAgain()
     FakeMac mac;
     CountingCallback callback;
     CarbonEventDispatcherHandler handler;
-    const auto add = [&callback](CarbonEventDispatcherHandler &to) {
-        return to.registerHotKey(kVK_Space, cmdKey, &callback, true);
+    UInt32 nextKey = kVK_Space; // each its own: the Mac refuses a combination that is taken
+    const auto add = [&callback, &nextKey](CarbonEventDispatcherHandler &to) {
+        return to.registerHotKey(nextKey++, cmdKey, &callback, true);
     };
     EventHotKeyRef first = add(handler);
     QCOMPARE(first->id.id, 1u);

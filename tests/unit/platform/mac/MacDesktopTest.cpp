@@ -14,6 +14,7 @@ class MacDesktopTest : public QObject
 private slots:
     void createGivesTheMacBeforeThereIsAnApplication();
     void thereIsAlwaysADisplay();
+    void windowsKnowAndChooseTheirPlaces();
 };
 
 void MacDesktopTest::createGivesTheMacBeforeThereIsAnApplication()
@@ -32,6 +33,11 @@ void MacDesktopTest::thereIsAlwaysADisplay()
     qunsetenv("QT_QPA_PLATFORM");
     QVERIFY(NativeSupport::hasDisplay());
     QVERIFY(!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"));
+}
+
+void MacDesktopTest::windowsKnowAndChooseTheirPlaces()
+{
+    QVERIFY(NativeSupport::tellsWindowPlaces());
 }
 
 QTEST_APPLESS_MAIN(MacDesktopTest)

@@ -7,6 +7,7 @@
 
 #include <QSignalSpy>
 #include <QThread>
+#include <QWindow>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -52,6 +53,13 @@ private slots:
     void captureWhileWeAreInFrontLeavesNothingToRestore();
     void captureWhileWeAreInFrontForgetsAnEarlierOne();
     void aLaterCaptureReplacesAnEarlierOne();
+    void aProcessThatDiffersInOneWordIsCaptured_data();
+    void aProcessThatDiffersInOneWordIsCaptured();
+    void withoutAnAnswerWeAreNotInFrontAndCaptureNobody_data();
+    void withoutAnAnswerWeAreNotInFrontAndCaptureNobody();
+    void comingForwardNeedsNoAskingAndNoToken();
+    void thePressIsAllThatTheDesktopTells();
+    void theEventHandlerOutlivesTheDesktop();
     void commandShiftNIsRenderedWithBothSymbolsInFixedOrder();
     void metaOrAltWithSpaceIsJustSpace();
     void deleteWithoutModifiersIsItsSymbolAlone();
@@ -161,6 +169,95 @@ void MacSupportTest::aLaterCaptureReplacesAnEarlierOne()
     bench.support.restoreCapturedProcess();
     QCOMPARE(bench.mac.frontings.size(), std::size_t(1));
     QCOMPARE(bench.mac.frontings.front().process.lowLongOfPSN, 8u);
+}
+
+void MacSupportTest::aProcessThatDiffersInOneWordIsCaptured_data()
+{
+    QTest::addColumn<unsigned int>("frontHigh");
+    QTest::addColumn<unsigned int>("frontLow");
+    QTest::newRow("another high word") << 4u << 8u;
+    QTest::newRow("another low word") << 3u << 9u;
+}
+
+void MacSupportTest::aProcessThatDiffersInOneWordIsCaptured()
+{
+    QFETCH(unsigned int, frontHigh);
+    QFETCH(unsigned int, frontLow);
+    Bench bench;
+    bench.mac.currentProcess = {3, 8};
+    bench.mac.frontProcess = {frontHigh, frontLow};
+    bench.support.captureFrontProcessForRestore();
+    bench.mac.frontProcess = bench.mac.currentProcess;
+    bench.support.restoreCapturedProcess();
+    QCOMPARE(bench.mac.frontings.size(), std::size_t(1));
+    QCOMPARE(bench.mac.frontings.front().process.highLongOfPSN, frontHigh);
+    QCOMPARE(bench.mac.frontings.front().process.lowLongOfPSN, frontLow);
+}
+
+void MacSupportTest::withoutAnAnswerWeAreNotInFrontAndCaptureNobody_data()
+{
+    QTest::addColumn<short>("currentResult");
+    QTest::addColumn<short>("frontResult");
+    QTest::addColumn<bool>("currentIsFront");
+    QTest::newRow("who we are, we in front") << OSErr(-600) << OSErr(noErr) << true;
+    QTest::newRow("who we are, another in front") << OSErr(-600) << OSErr(noErr) << false;
+    QTest::newRow("who is in front") << OSErr(noErr) << OSErr(-600) << false;
+    QTest::newRow("neither") << OSErr(-600) << OSErr(-600) << false;
+}
+
+void MacSupportTest::withoutAnAnswerWeAreNotInFrontAndCaptureNobody()
+{
+    QFETCH(short, currentResult);
+    QFETCH(short, frontResult);
+    QFETCH(bool, currentIsFront);
+    Bench bench;
+    bench.support.captureFrontProcessForRestore(); // forgotten by the one that fails
+    if (currentIsFront)
+        bench.mac.frontProcess = bench.mac.currentProcess;
+    bench.mac.currentProcessResult = currentResult;
+    bench.mac.frontProcessResult = frontResult;
+    QVERIFY(!bench.support.areWeFrontProcess());
+    bench.support.captureFrontProcessForRestore();
+    bench.support.restoreCapturedProcess();
+    QVERIFY(bench.mac.frontings.empty());
+}
+
+void MacSupportTest::comingForwardNeedsNoAskingAndNoToken()
+{
+    Bench bench;
+    bench.mac.calls.clear();
+    QWindow window;
+    bench.support.setActivationToken("proof");
+    bench.support.requestFront(&window);
+    QVERIFY(bench.mac.frontings.empty());
+    QVERIFY(bench.mac.calls.isEmpty());
+    QVERIFY(!window.isVisible());
+    QVERIFY(!window.handle());
+}
+
+void MacSupportTest::thePressIsAllThatTheDesktopTells()
+{
+    const QMetaObject &seam = NativeSupport::staticMetaObject;
+    QCOMPARE(seam.methodCount() - seam.methodOffset(), 1);
+    QCOMPARE(seam.method(seam.methodOffset()).methodSignature(), QByteArray("hotKeyPressed()"));
+    QCOMPARE(seam.propertyCount() - seam.propertyOffset(), 0);
+    QCOMPARE(seam.enumeratorCount() - seam.enumeratorOffset(), 0);
+    const QMetaObject &mac = MacSupport::staticMetaObject;
+    QCOMPARE(mac.superClass(), &seam);
+    QCOMPARE(mac.methodCount(), seam.methodCount());
+    QCOMPARE(mac.propertyCount(), seam.propertyCount());
+    QCOMPARE(mac.enumeratorCount(), seam.enumeratorCount());
+}
+
+void MacSupportTest::theEventHandlerOutlivesTheDesktop()
+{
+    FakeMac mac;
+    {
+        MacSupport support;
+        support.setActivationHotkey(49);
+    }
+    QVERIFY(!mac.calls.contains(u"remove"_s));
+    QCOMPARE(mac.installedHandlers().size(), std::size_t(1));
 }
 
 void MacSupportTest::commandShiftNIsRenderedWithBothSymbolsInFixedOrder()

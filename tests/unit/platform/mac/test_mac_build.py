@@ -15,27 +15,44 @@ HERE = pathlib.Path(__file__).resolve().parent
 SOURCE = HERE.parents[3]
 SRC = SOURCE / "src"
 MAKER_DOMAIN = "outlines.maker.example"
-OTHER_DESKTOPS = {"x11", "wayland", "portal"}
-FOREIGN_HEADER = re.compile(r"<(xcb|xkbcommon|X11|wayland)")
+OLDEST_SYSTEM = "10.14"  # of the toolkit's first release that will do
+OTHER_DESKTOPS = {"x11", "wayland", "portal", "dbus"}
+FOREIGN_HEADER = re.compile(r"<(xcb|xkbcommon|X11|wayland|QDBus|QtDBus)")
 LINUX_ONLY = re.compile(
-    r"::(pipe2|accept4|prctl|signalfd|eventfd|epoll_\w+|inotify_\w+)\(|\.st_[acm]tim\b|<(sys/(epoll|"
-    r"eventfd|signalfd|inotify|prctl)|linux/.*)")
+    r"\b(pipe2|accept4|prctl|signalfd|eventfd|epoll_\w+|inotify_\w+)\(|\.st_[acm]tim\b|"
+    r"<(sys/(epoll|eventfd|signalfd|inotify|prctl)|linux/.*)|/proc/|"
+    r"\b(MSG_NOSIGNAL|SOCK_CLOEXEC)\b")
+COMMENT = re.compile(r"(?<!:)//[^\n]*|/\*.*?\*/", re.DOTALL)
 INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|(<[^>]+>))', re.MULTILINE)
 
 
-def configure(folder):
-    """Configures the program in FOLDER as a Mac would."""
+def configure(folder, *options):
+    """Configures the program in FOLDER, with OPTIONS, as a Mac would."""
     result = subprocess.run(
         [os.environ["BRINDLE_CMAKE"], "-G", "Ninja", "-S", SOURCE, "-B", folder,
          f"-DCMAKE_TOOLCHAIN_FILE={HERE / 'pretend-mac.cmake'}",
          f"-DCMAKE_CXX_COMPILER={os.environ['BRINDLE_CXX']}",
          f"-DQt6_DIR={os.environ['BRINDLE_QT6_DIR']}",
          f"-DBRINDLE_MAKER_DOMAIN={MAKER_DOMAIN}",
+         *options,
          "-DPKG_CONFIG_EXECUTABLE=/no/pkg-config",
          "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON"],
+        env={name: value for name, value in os.environ.items()
+             if name != "MACOSX_DEPLOYMENT_TARGET"},
         stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
     if result.returncode != 0:
         raise AssertionError(f"configuring as on a Mac failed:\n{result.stdout}")
+
+
+def info_in(build):
+    """What the bundle in the folder BUILD says of itself."""
+    return plistlib.loads(
+        (build / "src" / "app" / "Brindle.app" / "Contents" / "Info.plist").read_bytes())
+
+
+def linux_only_in(code):
+    """The first thing in CODE, its comments aside, that only Linux has; None without any."""
+    return LINUX_ONLY.search(COMMENT.sub("", code))
 
 
 def includes_of(source):
@@ -60,12 +77,12 @@ class MacBuild(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(folder.cleanup)
         cls.build = pathlib.Path(folder.name)
-        configure(cls.build)
+        # What only a Mac sets before it knows for which system it builds.
+        configure(cls.build, "-DCMAKE_HOST_APPLE=ON")
         commands = json.loads((cls.build / "compile_commands.json").read_text(encoding="utf-8"))
         cls.compiled = {pathlib.Path(command["file"]) for command in commands}
         cls.program = {path for path in cls.compiled if SRC in path.parents}
-        cls.contents = cls.build / "src" / "app" / "Brindle.app" / "Contents"
-        cls.info = plistlib.loads((cls.contents / "Info.plist").read_bytes())
+        cls.info = info_in(cls.build)
 
     def test_the_mac_sources_are_built_and_those_of_other_desktops_are_not(self):
         self.assertIn(SRC / "platform" / "mac" / "MacSupport.cpp", self.program)
@@ -84,11 +101,22 @@ class MacBuild(unittest.TestCase):
                     [str(path) for path in ours if OTHER_DESKTOPS & set(path.parts)], [])
                 self.assertEqual([name for name in foreign if FOREIGN_HEADER.match(name)], [])
 
-    def test_no_source_asks_for_what_only_linux_has(self):
-        for source in sorted(self.program):
-            with self.subTest(source=source.relative_to(SRC)):
-                found = LINUX_ONLY.search(source.read_text(encoding="utf-8"))
-                self.assertIsNone(found)
+    def test_no_source_and_no_header_asks_for_what_only_linux_has(self):
+        read = set().union(*(includes_of(source)[0] for source in self.program))
+        self.assertTrue({path.suffix for path in read} >= {".h", ".cpp"})
+        for file in sorted(read):
+            with self.subTest(file=file.relative_to(SRC)):
+                self.assertIsNone(linux_only_in(file.read_text(encoding="utf-8")))
+
+    def test_what_only_linux_has_is_recognised_with_and_without_colons(self):
+        for code in ("pipe2(ends, 0);", "::pipe2(ends, 0);", "QFile(u\"/proc/self/exe\"_s);",
+                     "send(fd, p, n, MSG_NOSIGNAL);", "SOCK_STREAM | SOCK_CLOEXEC",
+                     "#include <sys/epoll.h>", "info.st_mtim;"):
+            with self.subTest(code=code):
+                self.assertIsNotNone(linux_only_in(code))
+        for code in ("pipe(ends); // pipe2() is Linux' own", "info.st_mtimespec", "my_pipe2(ends)"):
+            with self.subTest(code=code):
+                self.assertIsNone(linux_only_in(code))
 
     def test_what_is_included_is_built_too(self):
         included = set().union(*(includes_of(source)[0] for source in self.program))
@@ -117,6 +145,14 @@ class MacBuild(unittest.TestCase):
         licence = (SOURCE / "LICENSE").read_text(encoding="utf-8")
         holder = re.search(r"Copyright \(c\) (.+)", licence).group(1)
         self.assertIn(holder, self.info["NSHumanReadableCopyright"])
+
+    def test_the_bundle_names_the_oldest_system(self):
+        self.assertEqual(self.info["LSMinimumSystemVersion"], OLDEST_SYSTEM)
+
+    def test_whoever_builds_may_choose_the_oldest_system(self):
+        with tempfile.TemporaryDirectory() as folder:
+            configure(folder, "-DCMAKE_HOST_APPLE=ON", "-DCMAKE_OSX_DEPLOYMENT_TARGET=12.3")
+            self.assertEqual(info_in(pathlib.Path(folder))["LSMinimumSystemVersion"], "12.3")
 
     def test_the_bundles_documents_are_the_programs_files(self):
         [declared] = self.info["UTExportedTypeDeclarations"]
