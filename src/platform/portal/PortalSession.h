@@ -13,7 +13,7 @@ class PortalSession : public QObject
     Q_OBJECT
 
 public:
-    /// Asks at once for \a trigger, as the XDG shortcuts specification writes it ("CTRL+ALT+space",
+    /// Asks at once for \a trigger, as the XDG shortcuts standard writes it ("CTRL+ALT+space",
     /// keys by their keysym names). The desktop may let the user choose another one.
     PortalSession(QDBusConnection bus, QString trigger);
     ~PortalSession() override;
