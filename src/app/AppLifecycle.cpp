@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppLifecycle.h"
 
-#include "app/DisplayLoss.h"
 #include "app/SplashScreen.h"
 #include "app/TerminationSignals.h"
 #include "app/activation/AppActivationSupport.h"
 #include "model/GlobalKeyMap.h"
 #include "model/HierarchyModel.h"
 #include "model/TodoListModel.h"
+#include "platform/DisplayLoss.h"
 #include "platform/NativeSupport.h"
 #include "shared/Maker.h"
 #include "shared/ProgramEnd.h"
@@ -189,7 +189,6 @@ void AppLifecycle::createModelsAndWindows()
         static_cast<int>(m_nativeSupport->getShortcutModifier().toInt()),
         m_nativeSupport->getShortcutModifierKey());
     m_findWindow = std::make_unique<FindWindow>(m_fileManager.get(), nullptr);
-    m_mainWindow->winId(); // makes its handle
     m_todoListWindow->belongTo(*m_mainWindow);
     m_findWindow->belongTo(*m_mainWindow);
     m_commandFilter = std::make_unique<AppCommandFilter>(
@@ -232,8 +231,8 @@ void AppLifecycle::connectActivation()
     // Asked for during the splash screen, the main window would stand in front of the picture.
     connect(
         activation, &AppActivationSupport::activationChanged, this,
-        [this](bool isNowActive) {
-            if (isNowActive)
+        [this] {
+            if (m_activationSupport && m_activationSupport->isAppActive())
                 stopSplashScreen();
         },
         Qt::QueuedConnection);

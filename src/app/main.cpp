@@ -19,7 +19,7 @@ int main(int argc, char **argv)
     // Never deleted: the desktop may call it until the process ends.
     NativeSupport *nativeSupport = NativeSupport::create().release();
     if (!NativeSupport::hasDisplay()) {
-        std::fputs("brindle: there is no display to show windows on; is DISPLAY set?\n", stderr);
+        std::fputs("brindle: there is no display to show windows on\n", stderr);
         return EXIT_FAILURE;
     }
     nativeSupport->captureFrontProcessForRestore();

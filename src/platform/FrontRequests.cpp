@@ -77,11 +77,27 @@ void FrontRequests::send(QWindow *window)
 // it would give the front to the program that had it before.
 void FrontRequests::comeForwardAfter(QWindow *box, QWindow *window)
 {
-    connect(
-        box, &QWindow::visibleChanged, this,
-        [this, window = QPointer(window)](bool visible) {
-            if (!visible && window && window->isVisible())
-                m_bringForward(window);
-        },
-        Qt::SingleShotConnection);
+    m_boxes.removeAll(nullptr);
+    if (m_boxes.contains(box))
+        return;
+    m_boxes.append(box);
+    connect(box, &QWindow::visibleChanged, this,
+            [this, box = QPointer(box), window = QPointer(window)](bool visible) {
+                if (visible)
+                    return;
+                // One that is shown again at once has not been answered.
+                QTimer::singleShot(0, this, [this, box, window] { boxHidden(box, window); });
+            });
+}
+
+void FrontRequests::boxHidden(QWindow *box, QWindow *window)
+{
+    if (box && box->isVisible())
+        return;
+    if (box) {
+        disconnect(box, &QWindow::visibleChanged, this, nullptr);
+        m_boxes.removeAll(box);
+    }
+    if (window && window->isVisible())
+        m_bringForward(window);
 }

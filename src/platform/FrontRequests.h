@@ -27,7 +27,9 @@ private:
     void waitFor(QWindow *window);
     void send(QWindow *window);
     void comeForwardAfter(QWindow *box, QWindow *window);
+    void boxHidden(QWindow *box, QWindow *window);
 
     std::function<void(QWindow *)> m_bringForward;
     QList<QPointer<QWindow>> m_waitingFor;
+    QList<QPointer<QWindow>> m_boxes; ///< After which a window comes forward again.
 };

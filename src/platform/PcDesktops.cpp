@@ -17,7 +17,7 @@ constexpr const char *toolkitPlatform = "QT_QPA_PLATFORM";
 std::unique_ptr<NativeSupport> NativeSupport::create()
 {
     // Unless the user has chosen, the toolkit goes the way that this finds.
-    const bool chosen = qEnvironmentVariableIsSet(toolkitPlatform);
+    const bool chosen = !qEnvironmentVariableIsEmpty(toolkitPlatform);
     if (!chosen || qgetenv(toolkitPlatform).startsWith("wayland")) {
         if (std::unique_ptr<NativeSupport> wayland = WaylandSupport::open()) {
             if (!chosen)

@@ -3,43 +3,45 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <algorithm>
 
 SettlingFront::SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs)
     : m_inFrontNow(std::move(inFrontNow))
     , m_comingTimeMs(comingTimeMs)
 {
     m_settling.setSingleShot(true);
-    m_settling.setInterval(settlingTimeMs);
     connect(&m_settling, &QTimer::timeout, this, &SettlingFront::settled);
 }
 
 bool SettlingFront::areWeInFront()
 {
     if (m_inFrontNow()) {
-        m_wereInFront = true;
-        m_coming = QDeadlineTimer(0);
+        if (!m_areInFront)
+            m_coming = QDeadlineTimer(0); // we have come
+        m_areInFront = m_wereInFront = true;
         m_settling.stop();
         return true;
     }
-    if (!m_coming.hasExpired())
-        return true;
-    if (m_wereInFront && !m_settling.isActive())
-        m_settling.start();
-    return m_wereInFront;
+    m_areInFront = false;
+    const qint64 comingMs = m_coming.remainingTime();
+    if (!m_wereInFront)
+        return comingMs > 0;
+    if (!m_settling.isActive())
+        m_settling.start(std::max(settlingTimeMs, static_cast<int>(comingMs)));
+    return true;
 }
 
 void SettlingFront::expectToComeForward()
 {
     m_settling.stop();
-    m_wereInFront = m_inFrontNow();
-    m_coming = QDeadlineTimer(m_wereInFront ? 0 : m_comingTimeMs);
+    m_areInFront = m_wereInFront = m_inFrontNow();
+    m_coming = QDeadlineTimer(m_comingTimeMs);
 }
 
 void SettlingFront::frontChanged()
 {
-    if (!areWeInFront() || m_inFrontNow() || !m_settling.isActive())
-        return;
-    m_settling.start(); // anew: another window has its turn
+    m_settling.stop(); // the patience begins anew: another window has its turn
+    areWeInFront();
 }
 
 void SettlingFront::settleNow()
@@ -53,7 +55,8 @@ void SettlingFront::settleNow()
 bool SettlingFront::isLost()
 {
     m_settling.stop();
-    m_wereInFront = m_inFrontNow();
+    m_coming = QDeadlineTimer(0);
+    m_areInFront = m_wereInFront = m_inFrontNow();
     return !m_wereInFront;
 }
 

@@ -18,8 +18,8 @@ public:
     static constexpr int settlingTimeMs = 300;
 
     /// \a inFrontNow tells what the desktop says at this moment. For \a comingTimeMs after the
-    /// application was brought forward a loss of the front is none: the windows before it, a splash
-    /// screen or a box, are just closing.
+    /// application was brought forward a loss is given more time to prove itself: the window that
+    /// had the front before, a splash screen or a box, is just closing.
     explicit SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs = 0);
 
     /// What the desktop says; yes as well while a loss has still to prove itself. A loss that does
@@ -42,7 +42,8 @@ private:
 
     std::function<bool()> m_inFrontNow;
     int m_comingTimeMs;
-    bool m_wereInFront = false;
+    bool m_areInFront = false;
+    bool m_wereInFront = false; ///< And no loss has settled since.
     QDeadlineTimer m_coming{0};
     QTimer m_settling{this};
 };

@@ -17,8 +17,6 @@ constexpr int managerShift = 64;
 /// By then even a busy window manager has framed a window that was just shown.
 constexpr int settlingTimeMs = 1000;
 constexpr int settlingPaceMs = 50;
-/// Nobody's hands move a window that soon after it was shown.
-constexpr int insistingTimeMs = 300;
 
 /// Where the frame stands. QWidget::pos() goes on counting with the width of a frame that the
 /// window manager took away when it hid the window.
@@ -80,14 +78,13 @@ void AbstractWindow::beginToSettle()
     if (!m_settings.contains(getWindowPosSettingsKey()))
         return;
     m_settlingAt = pos();
-    m_insisting.setRemainingTime(insistingTimeMs);
     m_settled.setRemainingTime(settlingTimeMs);
     m_settleTimer->start();
 }
 
 // A window of fixed size is resized once more when it is framed, and its frame slips by its own
-// width then; some window managers put a hidden window back where its inside was. One that places
-// the window quite elsewhere, such as on the screen with the keyboard, is asked once for the place.
+// width then; some window managers put a hidden window back where its inside was. Other differences
+// are the user's or the window manager's will.
 void AbstractWindow::settle()
 {
     if (m_settled.hasExpired() || !isVisible()) {
@@ -100,13 +97,8 @@ void AbstractWindow::settle()
         return;
     fitCorrection();
     const QPoint slip = framePosition(this) - m_settlingAt;
-    const bool isShift = slip == frameWidth || slip == -frameWidth;
-    const bool mayInsist = !m_insisting.hasExpired();
-    if (slip.isNull() || (!isShift && !mayInsist))
-        return;
-    if (!isShift)
-        m_insisting = QDeadlineTimer(0);
-    move(m_settlingAt);
+    if (slip == frameWidth || slip == -frameWidth)
+        move(m_settlingAt);
 }
 
 // Only now the frame is known, which must not stick out of the screen either.
@@ -128,6 +120,10 @@ void AbstractWindow::setVisible(bool visible)
 {
     if (!visible && isVisible())
         savePendingPlace();
+    if (visible && m_owner && m_owner->windowHandle()) {
+        winId(); // makes the handle, once the place is known
+        windowHandle()->setTransientParent(m_owner->windowHandle());
+    }
     QDialog::setVisible(visible);
 }
 
@@ -150,8 +146,7 @@ void AbstractWindow::savePendingPlace()
 
 void AbstractWindow::belongTo(const QWidget &owner)
 {
-    winId(); // makes the handle
-    windowHandle()->setTransientParent(owner.windowHandle());
+    m_owner = &owner;
 }
 
 void AbstractWindow::activate()

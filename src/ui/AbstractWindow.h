@@ -3,6 +3,7 @@
 
 #include <QDeadlineTimer>
 #include <QDialog>
+#include <QPointer>
 #include <QSettings>
 #include <QTimer>
 #include <optional>
@@ -30,7 +31,7 @@ public:
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
 
-    /// Has the desktop keep this window in front of \a owner, which has its handle already.
+    /// Has the desktop keep this window in front of \a owner from its next showing on.
     void belongTo(const QWidget &owner);
 
     void setVisible(bool visible) override;
@@ -69,11 +70,11 @@ private:
     bool standsAtCorrectedPlace();
     void clearMinimized();
 
+    QPointer<const QWidget> m_owner; ///< The window that this one stays in front of.
     QSettings m_settings;
     QTimer *m_saveTimer;
     std::optional<Correction> m_correction;
     QTimer *m_settleTimer; ///< Runs for a while after the window was shown.
     QDeadlineTimer m_settled;
     QPoint m_settlingAt; ///< Where the frame is to be meanwhile.
-    QDeadlineTimer m_insisting; ///< Until then another place can't be the user's will.
 };

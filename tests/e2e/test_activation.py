@@ -244,7 +244,7 @@ class Minimised(ActivationTestCase):
         if possible:
             wait_for(lambda: self.desktop.screen.is_minimised(window), "the window minimised")
         else:
-            stays(lambda: not self.desktop.screen.is_minimised(window), "not minimised", 1)
+            wait_until_stays(lambda: not self.desktop.screen.is_minimised(window), "not minimised", 1)
 
     def go_to_the_other_program(self, brindle):
         self.desktop.screen.activate(self.other.window)

@@ -12,7 +12,7 @@ from brindle_e2e.wayland import FLOATING
 from brindle_e2e.wayland_case import APP_ID, INSTEAD, WaylandTestCase
 from brindle_e2e.windows import SETTINGS
 
-TRIGGER = "CTRL+ALT+space"  # in the spelling of the desktops' shortcuts specification
+TRIGGER = "CTRL+ALT+space"  # as the portals spell shortcuts
 # For the main window; what a program opens while it has the front gets the front everywhere.
 ONLY_TOKENS_GIVE_FOCUS = (r'no_focus [app_id="(?i)brindle$" title="^Brindle($| \()"]' "\n"
                           "focus_on_window_activation focus\n")

@@ -83,6 +83,7 @@ private slots:
     void captureWorksBeforeItKnowsTheToolkit();
     void requestFrontBringsAWindowForwardThatHadNoUserAction();
     void aStartupIdLendsItsTimeToTheNextRequestAlone();
+    void aStartupIdOfAnotherTimeChangesNothing();
     void aStartupIdWithoutATimeChangesNothing_data();
     void aStartupIdWithoutATimeChangesNothing();
     void requestFrontUnminimises();
@@ -94,8 +95,10 @@ private slots:
     void theHotkeyEndsTheWaitForALossToSettle();
     void aDialogOfAnotherProcessForOurWindowIsOurs();
     void ourOwnDialogsNeverLoseTheFront();
+    void aHiddenWindowThatComesUpLateIsTakenAway();
 
 private:
+    quint32 timeOfARequest(XTools::FrontRequestSpy &spy);
     void showInFront();
 
     std::unique_ptr<NativeSupport> m_support;
@@ -353,11 +356,11 @@ void X11SupportTest::requestFrontBringsAWindowForwardThatHadNoUserAction()
 
 void X11SupportTest::aStartupIdLendsItsTimeToTheNextRequestAlone()
 {
-    constexpr quint32 time = 4242;
     showInFront();
     const auto window = static_cast<xcb_window_t>(m_window->winId());
     XTools::FrontRequestSpy spy;
-    m_support->setActivationToken("launcher/brindle/1-2-host_TIME4242");
+    const quint32 time = timeOfARequest(spy) - 1;
+    m_support->setActivationToken("launcher/brindle/1-2-host_TIME" + QByteArray::number(time));
     m_support->requestFront(m_window->windowHandle());
     QList<quint32> times;
     QTRY_VERIFY((times += spy.timesOf(window)).contains(time));
@@ -365,6 +368,30 @@ void X11SupportTest::aStartupIdLendsItsTimeToTheNextRequestAlone()
     times.clear();
     QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
     QVERIFY(!times.contains(time));
+}
+
+void X11SupportTest::aStartupIdOfAnotherTimeChangesNothing()
+{
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    XTools::FrontRequestSpy spy;
+    const quint32 anHourAgo = timeOfARequest(spy) - 3'600'000;
+    m_support->setActivationToken("shell_TIME" + QByteArray::number(anHourAgo));
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty());
+    QVERIFY(!times.contains(anHourAgo));
+    QVERIFY(!times.contains(0));
+}
+
+/// The server's time, as our window's request to come forward carries it.
+quint32 X11SupportTest::timeOfARequest(XTools::FrontRequestSpy &spy)
+{
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    m_support->requestFront(m_window->windowHandle());
+    QList<quint32> times;
+    [&] { QTRY_VERIFY(!(times += spy.timesOf(window)).isEmpty()); }();
+    return times.isEmpty() ? 0 : times.last();
 }
 
 void X11SupportTest::aStartupIdWithoutATimeChangesNothing_data()
@@ -522,6 +549,23 @@ void X11SupportTest::ourOwnDialogsNeverLoseTheFront()
     }
     QTest::qWait(2 * settledMs);
     QCOMPARE(counter.losses, 0);
+}
+
+void X11SupportTest::aHiddenWindowThatComesUpLateIsTakenAway()
+{
+    const OtherProgram other;
+    showInFront();
+    const auto window = static_cast<xcb_window_t>(m_window->winId());
+    m_window->hide();
+    QTRY_COMPARE(XTools::activeWindow(), other.window());
+    QVERIFY(!XTools::run(u"xdotool"_s, {u"windowmap"_s, QString::number(window)}).isNull());
+    QTest::qWait(settledMs);
+    QVERIFY(!XTools::isMapped(window));
+    QCOMPARE(XTools::activeWindow(), other.window());
+    m_window->show();
+    QTRY_VERIFY(XTools::isMapped(window));
+    QTest::qWait(settledMs);
+    QVERIFY(XTools::isMapped(window));
 }
 
 QTEST_MAIN(X11SupportTest)

@@ -95,6 +95,14 @@ xcb_window_t XTools::activeWindow()
     return *static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
 }
 
+bool XTools::isMapped(xcb_window_t window)
+{
+    xcb_connection_t *connection = QtX11::connection();
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        connection, xcb_get_window_attributes(connection, window), nullptr));
+    return attributes && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
+}
+
 void XTools::claimActiveWindow(xcb_window_t window)
 {
     xcb_connection_t *connection = QtX11::connection();

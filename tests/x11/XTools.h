@@ -27,6 +27,8 @@ quint16 modifierState();
 
 /// What the window manager says is in front; 0 for none.
 xcb_window_t activeWindow();
+/// Whether the window is on the screen, be it covered or not.
+bool isMapped(xcb_window_t window);
 /// Writes the window manager's word about it, behind its back.
 void claimActiveWindow(xcb_window_t window);
 

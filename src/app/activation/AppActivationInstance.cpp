@@ -239,10 +239,8 @@ void AppActivationSupport::handleRequest(const InstanceRequest &request)
         m_earlyRequests.append(request);
         return;
     }
-    const bool toggles = request.kind == InstanceRequest::Kind::Toggle;
-    if (toggles)
-        m_nativeSupport->settleFront();
-    if (toggles && m_active) {
+    m_nativeSupport->settleFront();
+    if (request.kind == InstanceRequest::Kind::Toggle && m_active) {
         toggleActivationWithProcessHandling();
         return;
     }

@@ -13,11 +13,13 @@ public:
     BusInstance();
     ~BusInstance();
 
+    enum class Answer { Taken, Refused, None };
+
     /// Whether a copy can be reached this way; never starts one.
     bool isThere() const;
     /// Sends Activate, Toggle or Open, with what the environment holds as proof of the user's
-    /// action. \return whether the copy has taken it.
-    bool send(const InstanceRequest &request) const;
+    /// action. Without an answer in time the copy may still take it later.
+    Answer send(const InstanceRequest &request) const;
 
     /// Whether the environment holds such a proof.
     static bool hasActivationToken();

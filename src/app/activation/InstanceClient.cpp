@@ -16,10 +16,10 @@ bool needsBus(const InstanceRequest &request)
     return request.kind != InstanceRequest::Kind::Activate || BusInstance::hasActivationToken();
 }
 
-bool sendOverBus(const InstanceRequest &request)
+BusInstance::Answer sendOverBus(const InstanceRequest &request)
 {
     const BusInstance bus;
-    return bus.isThere() && bus.send(request);
+    return bus.isThere() ? bus.send(request) : BusInstance::Answer::Refused;
 }
 
 /// What is left to say when only "come forward" could be sent.
@@ -52,13 +52,20 @@ InstanceClient::Answer InstanceClient::handOver(const InstanceRequest &request)
 InstanceClient::Answer InstanceClient::handOver(RunningInstance &running,
                                                 const InstanceRequest &request)
 {
+    const Answer noAnswer{Outcome::Failed, "the running copy doesn't answer"};
     try {
         running.askVersion(); // whichever it is, but a copy that hangs must not go unnoticed
     } catch (const char *) {
-        return {Outcome::Failed, "the running copy doesn't answer"};
+        return noAnswer;
     }
-    if (needsBus(request) && sendOverBus(request))
-        return {};
+    if (needsBus(request)) {
+        const BusInstance::Answer answer = sendOverBus(request);
+        if (answer == BusInstance::Answer::Taken)
+            return {};
+        // It may take the request yet: another on top of it would undo it.
+        if (answer == BusInstance::Answer::None)
+            return noAnswer;
+    }
     running.send(RunningInstance::Message::Activation);
     return answerForLess(request.kind);
 }

@@ -9,9 +9,10 @@ using namespace Qt::StringLiterals;
 
 PortalHotkey::PortalHotkey()
 {
-    connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &PortalHotkey::bind);
-    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { giveUp(u"the desktop portal has gone"_s); });
+    connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &, const QString &newOwner) {
+                followOwner(newOwner);
+            });
     if (m_bus.isConnected()) {
         m_watcher.setConnection(m_bus.connection());
         m_watcher.addWatchedService(Portal::service);
@@ -36,15 +37,26 @@ void PortalHotkey::bind()
     }
     m_session = std::make_unique<PortalSession>(m_bus.connection(), m_trigger);
     connect(m_session.get(), &PortalSession::pressed, this, &PortalHotkey::pressed);
-    connect(m_session.get(), &PortalSession::failed, this, &PortalHotkey::giveUp,
-            Qt::QueuedConnection); // the session can't be deleted in the middle of saying so
+    connect(m_session.get(), &PortalSession::failed, this, &PortalHotkey::giveUp);
     connect(m_session.get(), &PortalSession::bound, this,
             [] { qCDebug(platformLog) << "the desktop has bound the hotkey"; });
+}
+
+void PortalHotkey::followOwner(const QString &owner)
+{
+    if (owner.isEmpty())
+        giveUp(u"the desktop portal has gone"_s);
+    else if (!m_session || !m_session->isOpening()) // else it comes because this session asked
+        bind();
 }
 
 void PortalHotkey::giveUp(const QString &reason)
 {
     qCDebug(platformLog).noquote() << "no hotkey:" << reason;
-    m_session.reset();
+    // Perhaps it is the session that says so: it is deleted later, and heard no more.
+    if (PortalSession *session = m_session.release()) {
+        session->disconnect(this);
+        session->deleteLater();
+    }
     m_unavailable = true;
 }

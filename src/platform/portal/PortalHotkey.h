@@ -31,6 +31,7 @@ signals:
 
 private:
     void bind();
+    void followOwner(const QString &owner);
     void giveUp(const QString &reason);
 
     QString m_trigger;

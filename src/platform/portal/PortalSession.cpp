@@ -52,6 +52,7 @@ void PortalSession::open()
 
 void PortalSession::opened(const QVariantMap &results)
 {
+    m_opening = false;
     // Given as text, though its type would be an object path; some portals do send one.
     const QVariant handle = results.value(u"session_handle"_s);
     m_handle = handle.canConvert<QDBusObjectPath>() && handle.userType() != QMetaType::QString

@@ -18,6 +18,9 @@ public:
     PortalSession(QDBusConnection bus, QString trigger);
     ~PortalSession() override;
 
+    /// Whether the portal has yet to answer the first request.
+    bool isOpening() const { return m_opening; }
+
 signals:
     void bound();
     /// There will be no shortcut: the portal can't or won't, or has ended the session.
@@ -38,5 +41,6 @@ private:
 
     QDBusConnection m_bus;
     QString m_trigger;
+    bool m_opening = true;
     QString m_handle; ///< Object path of the session; empty when there is none.
 };

@@ -45,8 +45,12 @@ struct KeymapConnection::Listeners {
         of(data).setKeymap(format, file, size);
     }
 
-    static constexpr wl_registry_listener registryListener{global,
-                                                           [](void *, wl_registry *, quint32) {}};
+    static void globalRemoved(void *data, wl_registry *, quint32 name)
+    {
+        of(data).forgetSeat(name);
+    }
+
+    static constexpr wl_registry_listener registryListener{global, globalRemoved};
     static constexpr wl_seat_listener seatListener{capabilities,
                                                    [](void *, wl_seat *, const char *) {}};
     // A client without a window gets none of the others.
@@ -119,26 +123,43 @@ const std::optional<XkbKeymapReader> &KeymapConnection::keymap()
 void KeymapConnection::read()
 {
     wl_display *display = m_display.get();
-    while (wl_display_prepare_read(display) != 0)
-        wl_display_dispatch_pending(display);
+    while (m_notifier.isEnabled() && wl_display_prepare_read(display) != 0)
+        dispatch();
+    if (!m_notifier.isEnabled())
+        return; // the connection is lost; what is known of the keyboard stays
     wl_display_flush(display);
     pollfd waiting{wl_display_get_fd(display), POLLIN, 0};
     if (poll(&waiting, 1, 0) > 0)
         wl_display_read_events(display);
     else
         wl_display_cancel_read(display);
-    if (wl_display_dispatch_pending(display) < 0)
-        m_notifier.setEnabled(false);
+    dispatch();
     wl_display_flush(display);
+}
+
+void KeymapConnection::dispatch()
+{
+    if (wl_display_dispatch_pending(m_display.get()) < 0)
+        m_notifier.setEnabled(false);
 }
 
 void KeymapConnection::bindSeat(quint32 name)
 {
     if (m_seat)
         return;
+    m_seatName = name;
     m_seat.reset(
         static_cast<wl_seat *>(wl_registry_bind(m_registry.get(), name, &wl_seat_interface, 1)));
     wl_seat_add_listener(m_seat.get(), &Listeners::seatListener, this);
+}
+
+void KeymapConnection::forgetSeat(quint32 name)
+{
+    if (!m_seat || name != m_seatName)
+        return;
+    m_keyboard.reset();
+    m_seat.reset();
+    m_keymap.reset();
 }
 
 void KeymapConnection::setCapabilities(quint32 capabilities)

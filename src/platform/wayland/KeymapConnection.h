@@ -41,12 +41,15 @@ private:
 
     void askForSeat();
     void read();
+    void dispatch();
     void bindSeat(quint32 name);
+    void forgetSeat(quint32 name);
     void setCapabilities(quint32 capabilities);
     void setKeymap(quint32 format, int file, quint32 size);
 
     std::unique_ptr<wl_display, Release> m_display;
     std::unique_ptr<wl_registry, Release> m_registry;
+    quint32 m_seatName = 0;
     std::unique_ptr<wl_seat, Release> m_seat;
     std::unique_ptr<wl_keyboard, Release> m_keyboard;
     std::optional<XkbKeymapReader> m_keymap;

@@ -70,6 +70,7 @@ bool WaylandSupport::attach()
         setActivationToken(token);
         settleFront();
         emit hotKeyPressed();
+        m_token.clear(); // the press has hidden us
     });
     return true;
 }
@@ -94,12 +95,15 @@ QString WaylandSupport::getActivationHotkeyNotice()
     if (!attach() || !m_hotkey->isUnavailable())
         return {};
     return tr("This desktop does not give Brindle the hotkey. Instead, bind the command "
-              "“brindle --toggle” to a key in the desktop's own keyboard settings.");
+              "“brindle --toggle” or “brindle --activate” to a key in the desktop's own keyboard "
+              "settings.");
 }
 
 void WaylandSupport::setActivationToken(const QByteArray &token)
 {
-    m_token = token;
+    // Far beyond any real one; a longer one could break the connection to the compositor.
+    constexpr qsizetype longestToken = 1000;
+    m_token = token.size() <= longestToken ? token : QByteArray();
 }
 
 void WaylandSupport::requestFront(QWindow *window)
@@ -107,6 +111,8 @@ void WaylandSupport::requestFront(QWindow *window)
     if (!attach())
         return;
     m_front->expectToComeForward();
+    if (!m_token.isEmpty())
+        m_requestsToken = std::exchange(m_token, {});
     m_requests->request(window);
 }
 
@@ -120,8 +126,8 @@ void WaylandSupport::bringForward(QWindow *window)
 {
     // For the compositor the window is there only after its first picture, which follows now.
     QTimer::singleShot(0, window, [this, window] {
-        if (!m_token.isEmpty())
-            qputenv(tokenVariable, std::exchange(m_token, {}));
+        if (!m_requestsToken.isEmpty())
+            qputenv(tokenVariable, std::exchange(m_requestsToken, {}));
         window->requestActivate();
         qunsetenv(tokenVariable);
     });

@@ -45,5 +45,6 @@ private:
     std::unique_ptr<PortalHotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
     std::unique_ptr<ModalBoxFocus> m_boxFocus;
-    QByteArray m_token;
+    QByteArray m_token; ///< For the next request.
+    QByteArray m_requestsToken; ///< Of the last request, until its window is on the screen.
 };

@@ -103,6 +103,11 @@ void X11Support::requestFront(QWindow *window)
 void X11Support::setActivationToken(const QByteArray &token)
 {
     m_tokenTime = timeOf(token);
+    // A shell hands the id it was once started with on to all its programs: window managers would
+    // take what they ask for as older than the user's last key.
+    constexpr quint32 longestStartMs = 30'000;
+    if (m_tokenTime && m_front->serverTime() - *m_tokenTime > longestStartMs)
+        m_tokenTime.reset();
 }
 
 void X11Support::settleFront()

@@ -24,6 +24,7 @@ private slots:
     void aWindowThatWasHiddenMeanwhileStaysWhereItIs();
     void theOpenBoxComesForwardAfterTheWindow();
     void theWindowComesForwardAgainOnceTheBoxIsAnswered();
+    void aBoxThatIsShownAnewHasNotBeenAnswered();
     void aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden();
 
 private:
@@ -100,7 +101,20 @@ void FrontRequestsTest::theWindowComesForwardAgainOnceTheBoxIsAnswered()
     theOpenBoxComesForwardAfterTheWindow();
     m_forward.clear();
     m_box->hide();
-    QCOMPARE(m_forward, Windows({m_window->windowHandle()}));
+    QTRY_COMPARE(m_forward, Windows({m_window->windowHandle()}));
+}
+
+void FrontRequestsTest::aBoxThatIsShownAnewHasNotBeenAnswered()
+{
+    theOpenBoxComesForwardAfterTheWindow();
+    m_requests->request(m_window->windowHandle());
+    m_forward.clear();
+    m_box->hide();
+    m_box->show();
+    QCoreApplication::processEvents();
+    QVERIFY(m_forward.isEmpty());
+    m_box->hide();
+    QTRY_COMPARE(m_forward, Windows({m_window->windowHandle()}));
 }
 
 void FrontRequestsTest::aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden()
@@ -109,6 +123,7 @@ void FrontRequestsTest::aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden()
     m_forward.clear();
     m_window->hide();
     m_box->hide();
+    QCoreApplication::processEvents();
     QVERIFY(m_forward.isEmpty());
 }
 

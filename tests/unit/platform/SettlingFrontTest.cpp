@@ -40,6 +40,8 @@ private slots:
     void aLossIsToldAtOnceWhenTheUserActsOnIt();
     void anotherWindowsTurnBeginsThePatienceAnew();
     void comingForwardSurvivesTheWindowsThatClose();
+    void comingForwardOutOfAWindowThatClosesIsNoLoss();
+    void aLossSoonAfterComingForwardIsTold();
     void comingForwardInVainEndsInTime();
     void whoCameForwardLosesTheFrontAsUsual();
 
@@ -128,6 +130,34 @@ void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
     m_inFront = true;
     QVERIFY(front.areWeInFront());
     QCOMPARE(losses.count, 0);
+}
+
+void SettlingFrontTest::comingForwardOutOfAWindowThatClosesIsNoLoss()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    m_inFront = true; // a splash screen has the keyboard
+    front.expectToComeForward();
+    QVERIFY(front.areWeInFront());
+    m_inFront = false;
+    front.frontChanged();
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QVERIFY(front.areWeInFront());
+    m_inFront = true;
+    front.frontChanged();
+    QCOMPARE(losses.count, 0);
+}
+
+void SettlingFrontTest::aLossSoonAfterComingForwardIsTold()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    m_inFront = true;
+    front.expectToComeForward();
+    m_inFront = false;
+    front.frontChanged();
+    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, 2 * comingTimeMs);
+    QVERIFY(!front.areWeInFront());
 }
 
 void SettlingFrontTest::comingForwardInVainEndsInTime()

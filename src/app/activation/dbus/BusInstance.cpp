@@ -96,15 +96,19 @@ bool BusInstance::isThere() const
                .value();
 }
 
-bool BusInstance::send(const InstanceRequest &request) const
+BusInstance::Answer BusInstance::send(const InstanceRequest &request) const
 {
     const QDBusMessage reply
         = m_bus->session.connection().call(messageFor(request), QDBus::Block, answerMs);
     if (reply.type() == QDBusMessage::ReplyMessage)
-        return true;
+        return Answer::Taken;
+    const auto error = QDBusError(reply).type();
+    if (error == QDBusError::NoReply || error == QDBusError::Timeout
+        || error == QDBusError::TimedOut)
+        return Answer::None;
     qCDebug(instanceLog) << "the running copy refused over the session bus:"
                          << reply.errorMessage();
-    return false;
+    return Answer::Refused;
 }
 
 bool BusInstance::hasActivationToken()

@@ -14,9 +14,9 @@ bool BusInstance::isThere() const
     return false;
 }
 
-bool BusInstance::send(const InstanceRequest &) const
+BusInstance::Answer BusInstance::send(const InstanceRequest &) const
 {
-    return false;
+    return Answer::Refused;
 }
 
 bool BusInstance::hasActivationToken()

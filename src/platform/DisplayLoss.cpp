@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "app/DisplayLoss.h"
+#include "platform/DisplayLoss.h"
 
 #include <QThread>
 #include <QtGlobal>
+#include <atomic>
 
 namespace
 {
-/// Longer than a save that waits for another program's reading; the process must end some day.
+/// Longer than a save that waits for another program's reading (some seconds for each file that is
+/// held); the process must end some day.
 constexpr int longestWaitMs = 20'000;
 
 // A message handler can reach nothing but such variables.
-DisplayLoss *receiver = nullptr;
+std::atomic<DisplayLoss *> receiver = nullptr;
 QtMessageHandler handlerBefore = nullptr;
 
 bool saysThatTheDisplayIsLost(const QString &text)
@@ -38,15 +40,16 @@ void DisplayLoss::handleMessage(QtMsgType type, const QMessageLogContext &contex
 {
     if (handlerBefore)
         handlerBefore(type, context, text);
-    if (!receiver || !saysThatTheDisplayIsLost(text))
+    DisplayLoss *const told = receiver;
+    if (!told || !saysThatTheDisplayIsLost(text))
         return;
-    if (QThread::currentThread() == receiver->thread()) {
-        receiver->tell();
+    if (QThread::currentThread() == told->thread()) {
+        told->tell();
         return;
     }
     // The toolkit reads from the display in a thread of its own and ends the process there.
-    QMetaObject::invokeMethod(receiver, &DisplayLoss::tell, Qt::QueuedConnection);
-    receiver->m_done.tryAcquire(1, longestWaitMs);
+    QMetaObject::invokeMethod(told, &DisplayLoss::tell, Qt::QueuedConnection);
+    told->m_done.tryAcquire(1, longestWaitMs);
 }
 
 void DisplayLoss::tell()
