@@ -91,6 +91,5 @@ void CarbonHotKeyTest::eachExceptionIsALineOfItsOwn()
     QCOMPARE(output.text(), QByteArray("Exception in callback!\nException in callback!\n"));
 }
 
-Q_DECLARE_METATYPE(std::function<void()>)
 QTEST_GUILESS_MAIN(CarbonHotKeyTest)
 #include "CarbonHotKeyTest.moc"
