@@ -27,6 +27,10 @@ public:
     /// the application object.
     static bool tellsWindowPlaces();
 
+    /// Whether the desktop keeps tool windows in front of the program's others by their kind alone.
+    /// Needs the application object.
+    static bool keepsToolWindowsInFront();
+
     /// Whether this application is the one in front.
     virtual bool areWeFrontProcess() = 0;
     /// Remembers who is in front, unless it is this application (then nobody is remembered).

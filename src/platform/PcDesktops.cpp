@@ -47,6 +47,11 @@ bool NativeSupport::tellsWindowPlaces()
     return !WaylandSession::isTheToolkitOnIt();
 }
 
+bool NativeSupport::keepsToolWindowsInFront()
+{
+    return !WaylandSession::isTheToolkitOnIt();
+}
+
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
     if (X11KeyboardLayout::isAvailable())

@@ -120,11 +120,19 @@ void AbstractWindow::setVisible(bool visible)
 {
     if (!visible && isVisible())
         savePendingPlace();
-    if (visible && m_owner && m_owner->windowHandle()) {
-        winId(); // makes the handle, once the place is known
-        windowHandle()->setTransientParent(m_owner->windowHandle());
-    }
+    if (visible)
+        tieToOwner();
     QDialog::setVisible(visible);
+}
+
+// Only where it must be: window managers that know the two as a family pass the keyboard on within
+// it as they see fit.
+void AbstractWindow::tieToOwner()
+{
+    if (!m_owner || !m_owner->windowHandle() || NativeSupport::keepsToolWindowsInFront())
+        return;
+    winId(); // makes the handle, once the place is known
+    windowHandle()->setTransientParent(m_owner->windowHandle());
 }
 
 // A hidden window is moved by the window manager alone, when it takes the frame off: with the

@@ -61,6 +61,7 @@ private:
         bool settled = false; ///< The window manager has had its say about the position.
     };
 
+    void tieToOwner();
     void beginToSettle();
     void settle();
     void fitCorrection();

@@ -19,6 +19,11 @@ bool NativeSupport::tellsWindowPlaces()
     return true;
 }
 
+bool NativeSupport::keepsToolWindowsInFront()
+{
+    return true;
+}
+
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)
 {
     return new MacKeyboardLayout(parent);

@@ -14,7 +14,7 @@ class MacDesktopTest : public QObject
 private slots:
     void createGivesTheMacBeforeThereIsAnApplication();
     void thereIsAlwaysADisplay();
-    void windowsKnowAndChooseTheirPlaces();
+    void windowsKnowAndChooseTheirPlacesAndToolsStayInFront();
 };
 
 void MacDesktopTest::createGivesTheMacBeforeThereIsAnApplication()
@@ -35,9 +35,10 @@ void MacDesktopTest::thereIsAlwaysADisplay()
     QVERIFY(!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"));
 }
 
-void MacDesktopTest::windowsKnowAndChooseTheirPlaces()
+void MacDesktopTest::windowsKnowAndChooseTheirPlacesAndToolsStayInFront()
 {
     QVERIFY(NativeSupport::tellsWindowPlaces());
+    QVERIFY(NativeSupport::keepsToolWindowsInFront());
 }
 
 QTEST_APPLESS_MAIN(MacDesktopTest)
