@@ -129,6 +129,7 @@ void X11SupportTest::showInFront()
     m_support->requestFront(m_window->windowHandle());
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     QTRY_COMPARE(XTools::activeWindow(), m_window->winId());
+    QVERIFY(m_support->areWeFrontProcess()); // it has noticed, too, before the test goes on
 }
 
 void X11SupportTest::createdWithADisplayItIsTheX11One()
