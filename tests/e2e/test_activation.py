@@ -5,7 +5,8 @@ import os
 import signal
 import time
 
-from brindle_e2e import datafile, managers
+from brindle_e2e import managers
+from brindle_e2e.beside import BesideAnotherProgram
 from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.desktop import Desktop
 from brindle_e2e.waiting import stays, wait_for, wait_until_stays
@@ -14,24 +15,7 @@ HOTKEY = "ctrl+alt+space"
 SAVE_PROMPT = "Some of your changes have not been saved."
 
 
-class ActivationTestCase(BrindleTestCase):
-    def start_beside(self, *entries):
-        """Starts the program on a file, beside another program that has the front at the end."""
-        path = datafile.create(self.home.path("tasks.bdl"), *(entries or ("First", "Second")))
-        brindle = self.start_with(path)
-        self.other = self.other_program()
-        brindle.wait_until_hidden()
-        return brindle
-
-    def other_has_keyboard(self, line):
-        """Types a line and finds it in the other program."""
-        wait_for(lambda: self.desktop.screen.active_window() == self.other.window,
-                 "the other program in front")
-        before = len(self.other.lines())
-        self.desktop.write(line + "\n")
-        wait_for(lambda: self.other.lines()[before:] == [line],
-                 lambda: f"{line!r} in the other program, which got {self.other.lines()[before:]}")
-
+class ActivationTestCase(BesideAnotherProgram, BrindleTestCase):
     def go_to_second_workspace(self):
         self.addCleanup(self.desktop.go_to_first_workspace)
         self.desktop.go_to_second_workspace()

@@ -3,9 +3,8 @@
 
 import time
 
-from . import datafile
+from .beside import BesideAnotherProgram
 from .portal import Portal
-from .waiting import wait_for
 from .wayland import FLOATING, WaylandDesktop
 from .windows import SETTINGS, WindowsTestCase
 
@@ -13,7 +12,7 @@ APP_ID = "example.osterlane.Brindle"
 INSTEAD = "brindle --toggle"  # what the settings name where there is no hotkey
 
 
-class WaylandTestCase(WindowsTestCase):
+class WaylandTestCase(BesideAnotherProgram, WindowsTestCase):
     """A desktop with a portal, unless the class says otherwise."""
 
     configuration = FLOATING
@@ -38,27 +37,6 @@ class WaylandTestCase(WindowsTestCase):
 
     def start(self, *arguments, splash="space"):
         return super().start(*arguments, splash=splash)
-
-    def start_on(self, *entries, name="tasks.bdl"):
-        """Starts the program on a new file; it has the front."""
-        self.path = datafile.create(self.home.path(name), *(entries or ("First", "Second")))
-        return self.start_with(self.path)
-
-    def start_beside(self, *entries):
-        """The same, beside another program that has the front at the end."""
-        brindle = self.start_on(*entries)
-        self.other = self.other_program()
-        brindle.wait_until_hidden()
-        return brindle
-
-    def other_has_keyboard(self, line):
-        """Types a line and finds it in the other program."""
-        wait_for(lambda: self.desktop.screen.active_window() == self.other.window,
-                 "the other program in front")
-        before = len(self.other.lines())
-        self.desktop.write(line + "\n")
-        wait_for(lambda: self.other.lines()[before:] == [line],
-                 lambda: f"{line!r} in the other program, which got {self.other.lines()[before:]}")
 
     def notice(self, brindle):
         """What the settings dialog says about the hotkey; '' when it has nothing to say."""
