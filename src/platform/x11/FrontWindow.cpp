@@ -85,6 +85,26 @@ void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
     xcb_flush(m_connection.get());
 }
 
+bool FrontWindow::hasKeyboard(xcb_window_t window)
+{
+    const auto cookie = xcb_get_input_focus(m_connection.get());
+    const XcbReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(m_connection.get(), cookie, nullptr));
+    return reply && reply->focus == window;
+}
+
+void FrontWindow::tellOfKeyboard(xcb_window_t window)
+{
+    xcb_focus_in_event_t notice{};
+    notice.response_type = XCB_FOCUS_IN;
+    notice.detail = XCB_NOTIFY_DETAIL_NONLINEAR;
+    notice.event = window;
+    notice.mode = XCB_NOTIFY_MODE_NORMAL;
+    xcb_send_event(m_connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char *>(&notice));
+    xcb_flush(m_connection.get());
+}
+
 std::optional<quint32> FrontWindow::workspaceInSight()
 {
     quint32 workspace = 0;

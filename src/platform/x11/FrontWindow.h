@@ -36,6 +36,11 @@ public:
     /// would: window managers don't refuse that as stealing the focus.
     void bringForward(xcb_window_t window, xcb_timestamp_t time);
 
+    /// Whether the X server sends what is typed to \a window.
+    bool hasKeyboard(xcb_window_t window);
+    /// Tells the program of \a window, and nobody else, that it has the keyboard.
+    void tellOfKeyboard(xcb_window_t window);
+
     /// Whether \a window is on a workspace that the user doesn't look at.
     bool isOnAnotherWorkspace(xcb_window_t window);
 

@@ -9,7 +9,8 @@
 #include "platform/x11/QtX11.h"
 #include "platform/x11/X11Hotkey.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QWindow>
 #include <utility>
 
 namespace
@@ -126,4 +127,16 @@ void X11Support::bringForward(const QWindow *window)
     m_front->bringToWorkspaceInSight(static_cast<quint32>(window->winId()));
     m_front->bringForward(static_cast<quint32>(window->winId()),
                           time ? *time : m_front->serverTime());
+    tellOfMissedKeyboard(window);
+}
+
+// While a modal box is open the toolkit passes on the keyboard that its owner gets. With the box
+// answered in that very moment the owner is left with a keyboard that the toolkit doesn't know of,
+// and the X server tells a window only once.
+void X11Support::tellOfMissedKeyboard(const QWindow *window)
+{
+    const auto id = static_cast<quint32>(window->winId());
+    if (QGuiApplication::focusWindow() != window && !QGuiApplication::modalWindow()
+        && m_front->hasKeyboard(id))
+        m_front->tellOfKeyboard(id);
 }

@@ -43,6 +43,7 @@ private:
 
     bool attach();
     void bringForward(const QWindow *window);
+    void tellOfMissedKeyboard(const QWindow *window);
 
     std::unique_ptr<FrontWindow> m_front;
     std::optional<Captured> m_captured;
