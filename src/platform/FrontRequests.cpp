@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
+#include <algorithm>
 
 namespace
 {
@@ -40,13 +41,15 @@ void FrontRequests::request(QWindow *window)
 
 void FrontRequests::waitFor(QWindow *window)
 {
-    if (m_waitingFor.contains(window))
+    const auto isForIt = [window](const Wait &wait) { return wait.window == window; };
+    if (std::any_of(m_waits.begin(), m_waits.end(), isForIt))
         return;
-    m_waitingFor.append(window);
+    const Wait wait{window, ++m_turns};
+    m_waits.append(wait);
     window->installEventFilter(this);
-    QTimer::singleShot(longestWaitMs, window, [window, self = QPointer(this)] {
-        if (self && self->m_waitingFor.contains(window))
-            self->send(window);
+    QTimer::singleShot(longestWaitMs, this, [this, wait] {
+        if (wait.window && m_waits.contains(wait))
+            send(wait.window);
     });
 }
 
@@ -61,8 +64,7 @@ bool FrontRequests::eventFilter(QObject *watched, QEvent *event)
 void FrontRequests::send(QWindow *window)
 {
     window->removeEventFilter(this);
-    m_waitingFor.removeAll(window);
-    m_waitingFor.removeAll(nullptr);
+    m_waits.removeIf([window](const Wait &wait) { return !wait.window || wait.window == window; });
     if (!window->isVisible())
         return; // the user has dismissed it meanwhile
     m_bringForward(window);
@@ -98,6 +100,6 @@ void FrontRequests::boxHidden(QWindow *box, QWindow *window)
         disconnect(box, &QWindow::visibleChanged, this, nullptr);
         m_boxes.removeAll(box);
     }
-    if (window && window->isVisible())
-        m_bringForward(window);
+    if (window)
+        send(window); // another box may have followed
 }

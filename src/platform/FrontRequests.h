@@ -23,6 +23,14 @@ public:
     void request(QWindow *window);
 
 private:
+    /// For a window to appear on the screen.
+    struct Wait {
+        QPointer<QWindow> window;
+        int turn; ///< Tells it from an earlier one for the same window.
+
+        bool operator==(const Wait &other) const = default;
+    };
+
     bool eventFilter(QObject *watched, QEvent *event) override;
     void waitFor(QWindow *window);
     void send(QWindow *window);
@@ -30,6 +38,7 @@ private:
     void boxHidden(QWindow *box, QWindow *window);
 
     std::function<void(QWindow *)> m_bringForward;
-    QList<QPointer<QWindow>> m_waitingFor;
+    int m_turns = 0;
+    QList<Wait> m_waits;
     QList<QPointer<QWindow>> m_boxes; ///< After which a window comes forward again.
 };

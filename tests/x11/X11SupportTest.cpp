@@ -88,6 +88,7 @@ private slots:
     void aStartupIdWithoutATimeChangesNothing();
     void requestFrontUnminimises();
     void requestFrontBringsTheModalBoxForwardToo();
+    void aBoxAnsweredWhileItsOwnerHadTheKeyboardLeavesItThere();
     void losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing();
     void aMomentWithoutAnyActiveWindowIsNoLoss();
     void anotherWindowInFrontForAMomentIsNoLoss();
@@ -167,7 +168,7 @@ void X11SupportTest::hotkeyFiresWhateverTheLocksAre()
 void X11SupportTest::hotkeyFiresOncePerPressWhileItIsHeld()
 {
     m_support->setActivationHotkey(space);
-    const PressCounter counter(spaceCode);
+    const EventCounter counter = EventCounter::ofPresses(spaceCode);
     QVERIFY(!XTools::run(
                  u"xdotool"_s,
                  {u"keydown"_s, u"Control_L"_s, u"keydown"_s, u"Alt_L"_s, u"keydown"_s, u"space"_s})
@@ -177,7 +178,7 @@ void X11SupportTest::hotkeyFiresOncePerPressWhileItIsHeld()
         !XTools::run(u"xdotool"_s,
                      {u"keyup"_s, u"space"_s, u"keyup"_s, u"Alt_L"_s, u"keyup"_s, u"Control_L"_s})
              .isNull());
-    QVERIFY2(counter.presses > 5, "the keyboard did not repeat the key");
+    QVERIFY2(counter.count > 5, "the keyboard did not repeat the key");
     QCOMPARE(m_presses->count(), 1);
     QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
     QTRY_COMPARE(m_presses->count(), 2);
@@ -446,6 +447,26 @@ void X11SupportTest::requestFrontBringsTheModalBoxForwardToo()
     QTRY_COMPARE(XTools::activeWindow(), box.winId());
     QVERIFY(XTools::press(u"Return"_s));
     QTRY_VERIFY(!box.isVisible());
+}
+
+void X11SupportTest::aBoxAnsweredWhileItsOwnerHadTheKeyboardLeavesItThere()
+{
+    showInFront();
+    QMessageBox box(QMessageBox::Information, u"box"_s, u"text"_s, QMessageBox::Ok, m_window.get());
+    box.setModal(true);
+    box.show();
+    QVERIFY(QTest::qWaitForWindowActive(&box));
+    QTRY_COMPARE(XTools::activeWindow(), box.winId());
+    const XTools::SleepingWindowManager asleep; // it would give the box its keyboard back
+    const auto owner = static_cast<xcb_window_t>(m_window->winId());
+    const EventCounter focusIn = EventCounter::ofFocusIn(owner);
+    XTools::giveKeyboard(owner);
+    QTRY_COMPARE(focusIn.count, 1);
+    QCOMPARE(QGuiApplication::focusWindow(), box.windowHandle());
+    box.hide();
+    QTRY_COMPARE(QGuiApplication::focusWindow(), m_window->windowHandle());
+    QVERIFY(XTools::press(u"x"_s));
+    QTRY_COMPARE(m_window->text(), u"x"_s);
 }
 
 void X11SupportTest::losingTheFrontIsToldEvenWhenTheToolkitNoticesNothing()

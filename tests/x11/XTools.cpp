@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QtTest>
+#include <csignal>
 #include <string_view>
 
 // The header of the keyboard extension has a field called like a keyword of C++.
@@ -112,6 +113,24 @@ void XTools::claimActiveWindow(xcb_window_t window)
         connection, xcb_get_input_focus(connection), nullptr)); // until the server has done it
 }
 
+void XTools::giveKeyboard(xcb_window_t window)
+{
+    run(u"xdotool"_s, {u"windowfocus"_s, QString::number(window)});
+}
+
+XTools::SleepingWindowManager::SleepingWindowManager()
+    : m_process(qEnvironmentVariableIntValue("BRINDLE_TEST_WINDOW_MANAGER"))
+{
+    QVERIFY2(m_process > 0, "the script that starts the window manager tells its process");
+    kill(m_process, SIGSTOP);
+}
+
+XTools::SleepingWindowManager::~SleepingWindowManager()
+{
+    if (m_process > 0)
+        kill(m_process, SIGCONT);
+}
+
 OtherProgram::OtherProgram()
 {
     const QString title = u"another program %1"_s.arg(quintptr(this));
@@ -147,19 +166,36 @@ OtherGrab::~OtherGrab()
     xcb_disconnect(m_connection);
 }
 
-PressCounter::PressCounter(quint8 code)
-    : m_code(code)
+EventCounter::EventCounter(Kind isOfKind)
+    : m_isOfKind(std::move(isOfKind))
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-bool PressCounter::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result)
+EventCounter EventCounter::ofPresses(quint8 code)
+{
+    const auto isOfKind = [code](const xcb_generic_event_t *event) {
+        return (event->response_type & 0x7f) == XCB_KEY_PRESS
+            && reinterpret_cast<const xcb_key_press_event_t *>(event)->detail == code;
+    };
+    return EventCounter(isOfKind);
+}
+
+EventCounter EventCounter::ofFocusIn(xcb_window_t window)
+{
+    const auto isOfKind = [window](const xcb_generic_event_t *event) {
+        return (event->response_type & 0x7f) == XCB_FOCUS_IN
+            && reinterpret_cast<const xcb_focus_in_event_t *>(event)->event == window;
+    };
+    return EventCounter(isOfKind);
+}
+
+bool EventCounter::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result)
 {
     Q_UNUSED(eventType)
     Q_UNUSED(result)
-    const auto *press = static_cast<const xcb_key_press_event_t *>(message);
-    if ((press->response_type & 0x7f) == XCB_KEY_PRESS && press->detail == m_code)
-        ++presses;
+    if (m_isOfKind(static_cast<const xcb_generic_event_t *>(message)))
+        ++count;
     return false;
 }
 

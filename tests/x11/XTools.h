@@ -4,7 +4,9 @@
 #include <QAbstractNativeEventFilter>
 #include <QProcess>
 #include <QStringList>
+#include <functional>
 
+#include <sys/types.h>
 #include <xcb/xcb.h>
 
 /// The user's hands and eyes on a real X server, for tests.
@@ -31,6 +33,21 @@ xcb_window_t activeWindow();
 bool isMapped(xcb_window_t window);
 /// Writes the window manager's word about it, behind its back.
 void claimActiveWindow(xcb_window_t window);
+
+/// Gives the window the keyboard, past the window manager.
+void giveKeyboard(xcb_window_t window);
+
+/// The window manager does nothing while this exists.
+class SleepingWindowManager
+{
+public:
+    SleepingWindowManager();
+    ~SleepingWindowManager();
+    Q_DISABLE_COPY_MOVE(SleepingWindowManager)
+
+private:
+    pid_t m_process;
+};
 
 /// Sees with which time stamps windows ask to come to the front.
 class FrontRequestSpy
@@ -82,16 +99,23 @@ private:
     bool m_held = false;
 };
 
-/// Counts the presses of a key that reach this process, repeated ones too.
-class PressCounter : public QAbstractNativeEventFilter
+/// Counts the events of a kind that reach this process.
+class EventCounter : public QAbstractNativeEventFilter
 {
 public:
-    explicit PressCounter(quint8 code);
+    /// Presses of a key, repeated ones too.
+    static EventCounter ofPresses(quint8 code);
+    /// Word that the window has got the keyboard.
+    static EventCounter ofFocusIn(xcb_window_t window);
 
-    int presses = 0;
+    int count = 0;
 
 private:
+    using Kind = std::function<bool(const xcb_generic_event_t *)>;
+
+    explicit EventCounter(Kind isOfKind);
+
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
 
-    quint8 m_code;
+    Kind m_isOfKind;
 };

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QWidget>
 #include <QWindow>
+#include <algorithm>
 #include <unistd.h>
 
 namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/x11/FrontWindow.h"
 
+#include "platform/x11/XcbNotice.h"
 #include "platform/x11/XcbReply.h"
 
 namespace
@@ -85,24 +86,22 @@ void FrontWindow::bringForward(xcb_window_t window, xcb_timestamp_t time)
     xcb_flush(m_connection.get());
 }
 
-bool FrontWindow::hasKeyboard(xcb_window_t window)
+void FrontWindow::repeatFocusIn(xcb_window_t window)
 {
-    const auto cookie = xcb_get_input_focus(m_connection.get());
+    xcb_connection_t *connection = m_connection.get();
+    xcb_grab_server(connection); // the focus doesn't move between the question and the notice
     const XcbReply<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(m_connection.get(), cookie, nullptr));
-    return reply && reply->focus == window;
-}
-
-void FrontWindow::tellOfKeyboard(xcb_window_t window)
-{
-    xcb_focus_in_event_t notice{};
-    notice.response_type = XCB_FOCUS_IN;
-    notice.detail = XCB_NOTIFY_DETAIL_NONLINEAR;
-    notice.event = window;
-    notice.mode = XCB_NOTIFY_MODE_NORMAL;
-    xcb_send_event(m_connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char *>(&notice));
-    xcb_flush(m_connection.get());
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    if (reply && reply->focus == window) {
+        xcb_focus_in_event_t notice{};
+        notice.response_type = XCB_FOCUS_IN;
+        notice.detail = XCB_NOTIFY_DETAIL_NONLINEAR;
+        notice.event = window;
+        notice.mode = XCB_NOTIFY_MODE_NORMAL;
+        sendNotice(connection, window, XCB_EVENT_MASK_NO_EVENT, notice);
+    }
+    xcb_ungrab_server(connection);
+    xcb_flush(connection);
 }
 
 std::optional<quint32> FrontWindow::workspaceInSight()

@@ -8,8 +8,9 @@
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
 
-/// Asks the window manager which window is in front, and to bring one there. Has its own link to
-/// the X server, so that it works before the application object exists. A window that has gone, a
+/// Asks the window manager which window is in front, and to bring one there, and the X server which
+/// has the input focus. Has its own link to it, so that it works before the application object
+/// exists. A window that has gone, a
 /// missing window manager or a lost server is "none", never an error.
 class FrontWindow
 {
@@ -36,10 +37,9 @@ public:
     /// would: window managers don't refuse that as stealing the focus.
     void bringForward(xcb_window_t window, xcb_timestamp_t time);
 
-    /// Whether the X server sends what is typed to \a window.
-    bool hasKeyboard(xcb_window_t window);
-    /// Tells the program of \a window, and nobody else, that it has the keyboard.
-    void tellOfKeyboard(xcb_window_t window);
+    /// Tells the program of \a window once more, and nobody else, that it has the input focus; does
+    /// nothing when it hasn't.
+    void repeatFocusIn(xcb_window_t window);
 
     /// Whether \a window is on a workspace that the user doesn't look at.
     bool isOnAnotherWorkspace(xcb_window_t window);

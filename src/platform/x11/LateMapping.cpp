@@ -3,9 +3,11 @@
 
 #include "platform/PlatformLog.h"
 #include "platform/x11/QtX11.h"
+#include "platform/x11/XcbNotice.h"
 
 #include <QGuiApplication>
 #include <QWindow>
+#include <algorithm>
 
 #include <xcb/xcb.h>
 
@@ -30,10 +32,8 @@ void withdraw(xcb_window_t window)
     notice.response_type = XCB_UNMAP_NOTIFY;
     notice.event = root;
     notice.window = window;
-    xcb_send_event(connection, 0, root,
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char *>(&notice));
-    xcb_flush(connection);
+    sendNotice(connection, root,
+               XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT, notice);
 }
 
 } // namespace

@@ -6,11 +6,11 @@
 #include "platform/x11/FrontWatch.h"
 #include "platform/x11/FrontWindow.h"
 #include "platform/x11/LateMapping.h"
+#include "platform/x11/MissedFocus.h"
 #include "platform/x11/QtX11.h"
 #include "platform/x11/X11Hotkey.h"
 
-#include <QGuiApplication>
-#include <QWindow>
+#include <QCoreApplication>
 #include <utility>
 
 namespace
@@ -55,6 +55,7 @@ bool X11Support::attach()
     m_attachedTo = application;
     m_watch = std::make_unique<FrontWatch>(*m_front);
     m_lateMapping = std::make_unique<LateMapping>();
+    m_missedFocus = std::make_unique<MissedFocus>(*m_front);
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     connect(m_hotkey.get(), &X11Hotkey::pressed, this, [this] {
@@ -127,16 +128,4 @@ void X11Support::bringForward(const QWindow *window)
     m_front->bringToWorkspaceInSight(static_cast<quint32>(window->winId()));
     m_front->bringForward(static_cast<quint32>(window->winId()),
                           time ? *time : m_front->serverTime());
-    tellOfMissedKeyboard(window);
-}
-
-// While a modal box is open the toolkit passes on the keyboard that its owner gets. With the box
-// answered in that very moment the owner is left with a keyboard that the toolkit doesn't know of,
-// and the X server tells a window only once.
-void X11Support::tellOfMissedKeyboard(const QWindow *window)
-{
-    const auto id = static_cast<quint32>(window->winId());
-    if (QGuiApplication::focusWindow() != window && !QGuiApplication::modalWindow()
-        && m_front->hasKeyboard(id))
-        m_front->tellOfKeyboard(id);
 }

@@ -11,6 +11,7 @@ class FrontRequests;
 class FrontWatch;
 class FrontWindow;
 class LateMapping;
+class MissedFocus;
 class QCoreApplication;
 class X11Hotkey;
 
@@ -43,7 +44,6 @@ private:
 
     bool attach();
     void bringForward(const QWindow *window);
-    void tellOfMissedKeyboard(const QWindow *window);
 
     std::unique_ptr<FrontWindow> m_front;
     std::optional<Captured> m_captured;
@@ -51,6 +51,7 @@ private:
     QPointer<QCoreApplication> m_attachedTo;
     std::unique_ptr<FrontWatch> m_watch;
     std::unique_ptr<LateMapping> m_lateMapping;
+    std::unique_ptr<MissedFocus> m_missedFocus;
     std::unique_ptr<X11Hotkey> m_hotkey;
     std::unique_ptr<FrontRequests> m_requests;
 };

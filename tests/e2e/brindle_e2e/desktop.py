@@ -56,10 +56,6 @@ class Desktop(Session):
     def write(self, text):
         self._xdotool("type", "--delay", "2", "--", text)
 
-    def give_keyboard(self, window):
-        """Gives a window the keyboard, past the window manager."""
-        self._xdotool("windowfocus", str(window))
-
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
         self.park_pointer()

@@ -22,8 +22,10 @@ private slots:
     void aWindowOnTheScreenComesForwardAtOnce();
     void aWindowThatIsOnlyJustShownComesForwardOnceItIsThere();
     void aWindowThatWasHiddenMeanwhileStaysWhereItIs();
+    void eachWaitForAWindowHasItsOwnPatience();
     void theOpenBoxComesForwardAfterTheWindow();
     void theWindowComesForwardAgainOnceTheBoxIsAnswered();
+    void aBoxThatFollowsTheAnsweredOneComesForwardAfterTheWindow();
     void aBoxThatIsShownAnewHasNotBeenAnswered();
     void aWindowThatIsHiddenWhenTheBoxIsAnsweredStaysHidden();
 
@@ -87,6 +89,18 @@ void FrontRequestsTest::aWindowThatWasHiddenMeanwhileStaysWhereItIs()
     QVERIFY(m_forward.isEmpty());
 }
 
+void FrontRequestsTest::eachWaitForAWindowHasItsOwnPatience()
+{
+    aWindowThatIsOnlyJustShownComesForwardOnceItIsThere();
+    m_forward.clear();
+    m_window->hide();
+    QTest::qWait(400);
+    m_requests->request(m_window->windowHandle());
+    QTest::qWait(200); // the first wait would have been over
+    m_window->show();
+    QTRY_COMPARE(m_forward, Windows({m_window->windowHandle()}));
+}
+
 void FrontRequestsTest::theOpenBoxComesForwardAfterTheWindow()
 {
     m_window->show();
@@ -102,6 +116,20 @@ void FrontRequestsTest::theWindowComesForwardAgainOnceTheBoxIsAnswered()
     m_forward.clear();
     m_box->hide();
     QTRY_COMPARE(m_forward, Windows({m_window->windowHandle()}));
+}
+
+void FrontRequestsTest::aBoxThatFollowsTheAnsweredOneComesForwardAfterTheWindow()
+{
+    theOpenBoxComesForwardAfterTheWindow();
+    m_forward.clear();
+    m_box->hide();
+    QMessageBox next(QMessageBox::Question, u"next"_s, u"text"_s, QMessageBox::Ok);
+    next.setModal(true);
+    next.show();
+    const Windows windowThenBox{m_window->windowHandle(), next.windowHandle()};
+    QTRY_COMPARE(m_forward, windowThenBox);
+    next.hide();
+    QTRY_COMPARE(m_forward, windowThenBox + Windows{m_window->windowHandle()});
 }
 
 void FrontRequestsTest::aBoxThatIsShownAnewHasNotBeenAnswered()
