@@ -10,8 +10,8 @@
 
 /// Asks the window manager which window is in front, and to bring one there, and the X server which
 /// has the input focus. Has its own link to it, so that it works before the application object
-/// exists. A window that has gone, a
-/// missing window manager or a lost server is "none", never an error.
+/// exists. A window that has gone, a missing window manager or a lost server is "none", never an
+/// error.
 class FrontWindow
 {
 public:
