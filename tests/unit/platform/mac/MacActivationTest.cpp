@@ -36,11 +36,20 @@ struct Bench {
 };
 
 /// A folder of the test's own for the endpoint of the running copy.
-struct Serving {
+struct EndpointFolder {
     QTemporaryDir folder;
 
-    Serving() { qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8()); }
-    ~Serving() { qunsetenv("XDG_RUNTIME_DIR"); }
+    EndpointFolder() { qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8()); }
+    ~EndpointFolder() { qunsetenv("XDG_RUNTIME_DIR"); }
+};
+
+/// The only copy that runs, and takes requests.
+struct ServingBench : private EndpointFolder, public Bench {
+    ServingBench()
+    {
+        QVERIFY(!activation.checkForOtherInstances());
+        activation.acceptRequests();
+    }
 };
 
 } // namespace
@@ -133,11 +142,8 @@ void MacActivationTest::thePrefixIsThatOfTheMac()
 
 void MacActivationTest::aFileChosenInTheFinderIsOpened()
 {
-    const Serving serving;
-    Bench bench;
+    ServingBench bench;
     QSignalSpy openings(&bench.activation, &AppActivationSupport::requestOpenFiles);
-    QVERIFY(!bench.activation.checkForOtherInstances());
-    bench.activation.acceptRequests();
     QFileOpenEvent event(u"/home/me/garden.bdl"_s);
     QVERIFY(QCoreApplication::sendEvent(qApp, &event));
     QTRY_COMPARE(openings.count(), 1);
@@ -147,11 +153,8 @@ void MacActivationTest::aFileChosenInTheFinderIsOpened()
 
 void MacActivationTest::anAddressThatIsNoFileIsLeftToOthers()
 {
-    const Serving serving;
-    Bench bench;
+    ServingBench bench;
     QSignalSpy openings(&bench.activation, &AppActivationSupport::requestOpenFiles);
-    QVERIFY(!bench.activation.checkForOtherInstances());
-    bench.activation.acceptRequests();
     QFileOpenEvent event(QUrl(u"https://maker.example/garden.bdl"_s));
     QCoreApplication::sendEvent(qApp, &event);
     QCoreApplication::processEvents();
@@ -161,13 +164,10 @@ void MacActivationTest::anAddressThatIsNoFileIsLeftToOthers()
 
 void MacActivationTest::quittingAsksForTheEndAndNotTheWindows()
 {
-    const Serving serving;
-    Bench bench;
+    ServingBench bench;
     QWidget window;
     window.show();
     QSignalSpy terminations(&bench.activation, &AppActivationSupport::requestTermination);
-    QVERIFY(!bench.activation.checkForOtherInstances());
-    bench.activation.acceptRequests();
     QEvent event(QEvent::Quit);
     QVERIFY(QCoreApplication::sendEvent(qApp, &event));
     QVERIFY(!event.isAccepted()); // the Mac goes on only when the program ends by itself
@@ -177,11 +177,8 @@ void MacActivationTest::quittingAsksForTheEndAndNotTheWindows()
 
 void MacActivationTest::onlyTheApplicationItselfCanBeQuit()
 {
-    const Serving serving;
-    Bench bench;
+    ServingBench bench;
     QSignalSpy terminations(&bench.activation, &AppActivationSupport::requestTermination);
-    QVERIFY(!bench.activation.checkForOtherInstances());
-    bench.activation.acceptRequests();
     QObject other;
     QEvent event(QEvent::Quit);
     QVERIFY(!QCoreApplication::sendEvent(&other, &event));
