@@ -172,16 +172,21 @@ class SteppingBack(ActivationTestCase):
 
     def test_the_hotkey_right_after_a_click_into_another_program_brings_the_window(self):
         brindle = self.start_beside()
-        brindle.bring_back()
-        self.desktop.screen.activate(self.other.window)
-        wait_for(lambda: self.desktop.screen.active_window() == self.other.window, "the other one")
-        # The program still gives the other one some time to pass by: the press ends that.
-        self.desktop.keys(HOTKEY)
-        wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
-        brindle.wait_until_in_front()
-        stays(brindle.is_shown, "the main window stays", 1)
-        self.desktop.keys("Escape")
-        brindle.wait_until_hidden()
+        # Meanwhile the program gives the other one some time to pass by, then the toolkit notices
+        # the loss, then the window is hidden: the press comes before, between and after.
+        for pause in (0, 0.04, 0.06, 0.08, 0.12, 0.3):
+            with self.subTest(pause=pause):
+                brindle.bring_back()
+                self.desktop.screen.activate(self.other.window)
+                wait_for(lambda: self.desktop.screen.active_window() == self.other.window,
+                         "the other one")
+                time.sleep(pause)
+                self.desktop.keys(HOTKEY)
+                wait_for(lambda: self.desktop.screen.active_window() == brindle.window, "in front")
+                brindle.wait_until_in_front()
+                stays(brindle.is_shown, "the main window stays", 0.5)
+                self.desktop.keys("Escape")
+                brindle.wait_until_hidden()
         self.other_has_keyboard("hello")
 
     def test_the_frames_cross_hides_and_ends_nothing(self):

@@ -94,6 +94,7 @@ private slots:
     void anotherWindowInFrontForAMomentIsNoLoss();
     void theToolkitsOwnWordOfALossWaitsUntilItHasSettled();
     void theHotkeyEndsTheWaitForALossToSettle();
+    void theToolkitsLateWordOfALossFindsUsComingForward();
     void aDialogOfAnotherProcessForOurWindowIsOurs();
     void ourOwnDialogsNeverLoseTheFront();
     void aHiddenWindowThatComesUpLateIsTakenAway();
@@ -537,6 +538,23 @@ void X11SupportTest::theHotkeyEndsTheWaitForALossToSettle()
     QCOMPARE(lossesAtThePress, 1);
     QTest::qWait(settledMs);
     QCOMPARE(counter.events, 1);
+}
+
+void X11SupportTest::theToolkitsLateWordOfALossFindsUsComingForward()
+{
+    m_support->setActivationHotkey(space);
+    const OtherProgram other;
+    showInFront();
+    const DeactivationCounter counter(*m_support);
+    XTools::claimActiveWindow(other.window());
+    QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
+    QTRY_COMPARE(m_presses->count(), 1);
+    QCOMPARE(counter.losses, 1);
+    // What the toolkit sends once it has noticed, too, that the keyboard is elsewhere.
+    QEvent late(QEvent::ApplicationDeactivate);
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &late);
+    QCOMPARE(counter.events, 2);
+    QCOMPARE(counter.losses, 1);
 }
 
 void X11SupportTest::aDialogOfAnotherProcessForOurWindowIsOurs()

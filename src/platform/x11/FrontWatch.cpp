@@ -14,6 +14,9 @@
 namespace
 {
 
+/// The toolkit tells of a loss 100 ms late, when the user may have called us again already.
+constexpr int comingTimeMs = 1000;
+
 bool isWindowOfToolkit(quint32 window)
 {
     const QWindowList windows = QGuiApplication::topLevelWindows();
@@ -45,7 +48,7 @@ bool areWeInFrontNow(FrontWindow &front)
 } // namespace
 
 FrontWatch::FrontWatch(FrontWindow &front)
-    : SettlingFront([&front] { return areWeInFrontNow(front); })
+    : SettlingFront([&front] { return areWeInFrontNow(front); }, comingTimeMs)
     , m_front(front)
 {
     listen();
