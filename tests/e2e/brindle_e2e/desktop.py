@@ -2,12 +2,14 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
+import subprocess
 
 from . import managers, scaling
 from .screen import Screen
 from .session import Session, key_codes
 from .waiting import wait_for
 
+_WAKER = os.path.join(os.path.dirname(__file__), "..", "..", "x11", "keep-window-manager-awake")
 
 
 class Desktop(Session):
@@ -165,6 +167,7 @@ class Desktop(Session):
         self.window_manager = self.run(command, self.manager.env, stdout=log, stderr=log)
         log.close()
         wait_for(self.screen.has_window_manager, "the window manager")
+        self.run([_WAKER], stderr=subprocess.DEVNULL)
 
     def _xdotool(self, *arguments):
         self._tool("xdotool", *arguments)

@@ -114,11 +114,14 @@ class Screen:
 
     def shows(self, window_id, node):
         """Whether a window is that of a node on the accessibility bus."""
-        return self.place(window_id) == self.spot(window_id, None, node)
+        return self.place(window_id) == self._scaled(node.extents)
 
-    def spot(self, _window_id, _window_node, node):
-        """The place of a part on the screen. Programs know it here; not every desktop tells them."""
-        return tuple(value * self.scale for value in node.extents)
+    def spot(self, window_id, window_node, node):
+        """The place of a part on the screen, wherever the program believes its window to be."""
+        left, top = self.place(window_id)[:2]
+        origin = self._scaled(window_node.extents)
+        x, y, width, height = self._scaled(node.extents)
+        return (left + x - origin[0], top + y - origin[1], width, height)
 
     def is_minimised(self, window_id):
         try:
@@ -202,6 +205,9 @@ class Screen:
         """The colour of one pixel as '#rrggbb'."""
         data = self._root.get_image(x, y, 1, 1, X.ZPixmap, 0xFFFFFFFF).data
         return f"#{data[2]:02x}{data[1]:02x}{data[0]:02x}"
+
+    def _scaled(self, extents):
+        return tuple(value * self.scale for value in extents)
 
     def _window(self, window_id):
         return self._display.create_resource_object("window", window_id)
