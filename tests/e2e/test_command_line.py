@@ -71,10 +71,9 @@ class CommandLineTestCase(BrindleTestCase):
 
     def start_bus(self):
         """Another session bus: (process, address)."""
-        path = os.path.join(self.desktop.folder, "bus-" + os.path.basename(self.home.folder))
-        bus = self.helper(["dbus-daemon", "--session", "--nofork", "--address=unix:path=" + path])
-        wait_for(lambda: os.path.exists(path), "the bus")
-        return bus, "unix:path=" + path
+        bus, address = self.desktop.run_bus()
+        self.addCleanup(self.desktop.end, bus)
+        return bus, address
 
     def wait_until_in_front(self, brindle):
         wait_for(lambda: self.desktop.screen.active_window() == brindle.window,

@@ -386,7 +386,8 @@ class ToolWindows(FamilyTestCase):
                     window.stays_shown()
                 self.assertEqual(self.desktop.screen.active_window(), other.window)
                 self.desktop.keys("ctrl+alt+space")
-                wait_for(lambda: brindle.window in self.desktop.screen.windows(), "back again")
+                # Not before it has come, or it would take the front from the window activated next.
+                brindle.wait_until_in_front()
                 self.desktop.end(other.process)
                 if title in HIDE_WITH_THE_APPLICATION:
                     # Coming back shows the main window only.

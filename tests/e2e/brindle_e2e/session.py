@@ -75,6 +75,18 @@ class Session:
         self._processes.append(process)
         return process
 
+    def run_bus(self, configuration="--session"):
+        """Starts a message bus, by an option of dbus-daemon: the process and its address."""
+        read_end, write_end = os.pipe()
+        bus = self.run(["dbus-daemon", configuration, "--nofork", f"--print-address={write_end}"],
+                       pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as answer:
+            address = answer.readline().strip()
+        if not address:
+            raise RuntimeError("the message bus did not start")
+        return bus, address
+
     def end(self, process):
         processes.stop(process)
         if process in self._processes:
@@ -118,15 +130,7 @@ class Session:
         return env
 
     def _start_session_bus(self):
-        read_end, write_end = os.pipe()
-        self.run(["dbus-daemon", self.bus_configuration, "--nofork", f"--print-address={write_end}"],
-                 pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        os.close(write_end)
-        with os.fdopen(read_end) as answer:
-            address = answer.readline().strip()
-        if not address:
-            raise RuntimeError("the session bus did not start")
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = address
+        _, self.env["DBUS_SESSION_BUS_ADDRESS"] = self.run_bus(self.bus_configuration)
 
     def _start_accessibility(self):
         launcher = next(path for path in _A11Y_LAUNCHERS if os.path.exists(path))

@@ -8,16 +8,28 @@ import socket
 import struct
 import subprocess
 
+from .waiting import wait_for
+
 _MAGIC = b"i3-ipc"
 _RUN_COMMAND, _GET_TREE = 0, 4
+
+
+def _connected(path):
+    """A socket connected to that one, None while nobody listens there yet."""
+    connection = socket.socket(socket.AF_UNIX)
+    try:
+        connection.connect(path)
+        return connection
+    except OSError:
+        connection.close()
+        return None
 
 
 class SwayScreen:
     """The windows of a Wayland desktop; the counterpart of Screen."""
 
     def __init__(self, socket_path, env):
-        self._socket = socket.socket(socket.AF_UNIX)
-        self._socket.connect(socket_path)
+        self._socket = wait_for(lambda: _connected(socket_path), "the compositor")
         self._env = env
 
     def close(self):

@@ -172,10 +172,9 @@ class WaylandDesktop(Session):
                 [*_without_privileges(), "sway", "-D", "noatomic", "-c",
                  os.path.join(self.folder, "sway.conf")],
                 env, stdout=log, stderr=log)
-        wait_for(lambda: os.path.exists(socket_path), "the compositor")
+        self.screen = SwayScreen(socket_path, self.env)
         self.env["WAYLAND_DISPLAY"] = wait_for(lambda: _display_in(runtime), "the display's socket")
         self.env["XDG_CURRENT_DESKTOP"] = "sway"
-        self.screen = SwayScreen(socket_path, self.env)
 
     def _make_compositors_folder(self):
         """The compositor refuses to run as root, so it can get a user and a folder of its own."""
