@@ -5,9 +5,8 @@
 #include <QEvent>
 #include <algorithm>
 
-SettlingFront::SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs)
+SettlingFront::SettlingFront(std::function<bool()> inFrontNow)
     : m_inFrontNow(std::move(inFrontNow))
-    , m_comingTimeMs(comingTimeMs)
 {
     m_settling.setSingleShot(true);
     connect(&m_settling, &QTimer::timeout, this, &SettlingFront::settled);
@@ -23,11 +22,11 @@ bool SettlingFront::areWeInFront()
         return true;
     }
     m_areInFront = false;
-    const qint64 comingMs = m_coming.remainingTime();
-    if (!m_wereInFront)
-        return comingMs > 0;
-    if (!m_settling.isActive())
-        m_settling.start(std::max(settlingTimeMs, static_cast<int>(comingMs)));
+    const auto comingMs = static_cast<int>(m_coming.remainingTime());
+    if (!m_wereInFront && comingMs == 0)
+        return false;
+    if (!m_settling.isActive()) // an answer given on trust is looked at again, too
+        m_settling.start(m_wereInFront ? std::max(settlingTimeMs, comingMs) : comingMs);
     return true;
 }
 
@@ -35,7 +34,7 @@ void SettlingFront::expectToComeForward()
 {
     m_settling.stop();
     m_areInFront = m_wereInFront = m_inFrontNow();
-    m_coming = QDeadlineTimer(m_comingTimeMs);
+    m_coming = QDeadlineTimer(comingTimeMs);
 }
 
 void SettlingFront::frontChanged()

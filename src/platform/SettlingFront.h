@@ -17,13 +17,17 @@ public:
     /// How long being in front is believed in after the desktop stopped saying so.
     static constexpr int settlingTimeMs = 300;
 
-    /// \a inFrontNow tells what the desktop says at this moment. For \a comingTimeMs after the
-    /// application was brought forward a loss is given more time to prove itself: the window that
-    /// had the front before, a splash screen or a box, is just closing.
-    explicit SettlingFront(std::function<bool()> inFrontNow, int comingTimeMs = 0);
+    /// How long coming forward may take. Until then a loss is given more time to prove itself: the
+    /// window that had the front before, a splash screen or a box, is just closing, or the toolkit
+    /// tells late (under X11 by 100 ms) of a loss that came before.
+    static constexpr int comingTimeMs = 2000;
 
-    /// What the desktop says; yes as well while a loss has still to prove itself. A loss that does
-    /// is told by an ApplicationDeactivate event to the application object.
+    /// \a inFrontNow tells what the desktop says at this moment.
+    explicit SettlingFront(std::function<bool()> inFrontNow);
+
+    /// What the desktop says; yes as well while a loss has still to prove itself, and while coming
+    /// forward. When that yes turns out to be wrong, an ApplicationDeactivate event tells the
+    /// application object.
     bool areWeInFront();
 
     /// The application is being brought forward: what was before counts no longer.
@@ -41,7 +45,6 @@ private:
     bool isLost();
 
     std::function<bool()> m_inFrontNow;
-    int m_comingTimeMs;
     bool m_areInFront = false;
     bool m_wereInFront = false; ///< And no loss has settled since.
     QDeadlineTimer m_coming{0};

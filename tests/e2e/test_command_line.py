@@ -71,8 +71,8 @@ class CommandLineTestCase(BrindleTestCase):
 
     def start_bus(self):
         """Another session bus: (process, address)."""
-        bus, address = self.desktop.run_bus()
-        self.addCleanup(self.desktop.end, bus)
+        bus, address = self.desktop.run_bus("--session")
+        self._helpers.append(bus)
         return bus, address
 
     def wait_until_in_front(self, brindle):

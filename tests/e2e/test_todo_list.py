@@ -110,8 +110,8 @@ class Dragging(TodoListTestCase):
     def test_into_the_empty_room_below_the_rows_nothing_is_lost(self):
         brindle = self.start_with_list(*ROWS)
         todo = self.open_list(brindle)
-        x, y, width, height = todo.items()[-1].extents
-        first = todo.items()[0].extents
+        x, y, width, height = todo.spot(todo.items()[-1])
+        first = todo.spot(todo.items()[0])
         self.desktop.drag((first[0] + 20, first[1] + first[3] // 2), (x + 40, y + height + 20))
         stays(lambda: sorted(todo.rows()) == sorted(ROWS), "each row once", 0.5)
         self.assertEqual(todo.selected(), ["Bread"])
@@ -155,7 +155,7 @@ class Keys(TodoListTestCase):
                 brindle.wait_until_in_front()
                 brindle.expect_text(text)
         todo = self.open_list(brindle)
-        x, y, width, height = todo.items()[1].extents
+        x, y, width, height = todo.spot(todo.items()[1])
         self.desktop.click(x + 20, y + height // 2)
         todo.expect(ROWS, "Cheese")
         self.desktop._xdotool("mousemove", str(x + 20), str(y + height // 2),

@@ -546,15 +546,21 @@ void X11SupportTest::theToolkitsLateWordOfALossFindsUsComingForward()
     const OtherProgram other;
     showInFront();
     const DeactivationCounter counter(*m_support);
+    QList<int> lossesAroundTheEvent;
+    connect(m_support.get(), &NativeSupport::hotKeyPressed, m_window.get(), [&] {
+        lossesAroundTheEvent.append(counter.losses);
+        // What the toolkit sends once it has noticed, too, that the keyboard is elsewhere.
+        QEvent late(QEvent::ApplicationDeactivate);
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &late);
+        lossesAroundTheEvent.append(counter.losses);
+    });
     XTools::claimActiveWindow(other.window());
+    QVERIFY(m_support->areWeFrontProcess());
     QVERIFY(XTools::press(u"space"_s, ctrlAltKeys));
     QTRY_COMPARE(m_presses->count(), 1);
-    QCOMPARE(counter.losses, 1);
-    // What the toolkit sends once it has noticed, too, that the keyboard is elsewhere.
-    QEvent late(QEvent::ApplicationDeactivate);
-    QCoreApplication::sendEvent(QCoreApplication::instance(), &late);
-    QCOMPARE(counter.events, 2);
-    QCOMPARE(counter.losses, 1);
+    QCOMPARE(lossesAroundTheEvent, (QList<int>{1, 1}));
+    // Nobody brought a window forward: then it was a loss after all.
+    QTRY_COMPARE(counter.losses, 2);
 }
 
 void X11SupportTest::aDialogOfAnotherProcessForOurWindowIsOurs()

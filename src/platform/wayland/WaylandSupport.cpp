@@ -22,9 +22,6 @@ namespace
 /// From here the toolkit takes the proof that it shows to the compositor.
 constexpr const char *tokenVariable = "XDG_ACTIVATION_TOKEN";
 
-/// A compositor takes its time to give the keyboard to a new window.
-constexpr int comingTimeMs = 2000;
-
 bool toolkitSaysActive()
 {
     return QGuiApplication::applicationState() == Qt::ApplicationActive;
@@ -60,7 +57,7 @@ bool WaylandSupport::attach()
     if (m_attachedTo == application)
         return true;
     m_attachedTo = application;
-    m_front = std::make_unique<SettlingFront>(toolkitSaysActive, comingTimeMs);
+    m_front = std::make_unique<SettlingFront>(toolkitSaysActive);
     connect(application, &QGuiApplication::applicationStateChanged, m_front.get(),
             &SettlingFront::frontChanged);
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });

@@ -14,9 +14,6 @@
 namespace
 {
 
-/// The toolkit tells of a loss 100 ms late, when the user may have called us again already.
-constexpr int comingTimeMs = 1000;
-
 bool isWindowOfToolkit(quint32 window)
 {
     const QWindowList windows = QGuiApplication::topLevelWindows();
@@ -48,7 +45,7 @@ bool areWeInFrontNow(FrontWindow &front)
 } // namespace
 
 FrontWatch::FrontWatch(FrontWindow &front)
-    : SettlingFront([&front] { return areWeInFrontNow(front); }, comingTimeMs)
+    : SettlingFront([&front] { return areWeInFrontNow(front); })
     , m_front(front)
 {
     listen();

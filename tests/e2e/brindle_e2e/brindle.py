@@ -354,10 +354,13 @@ class Brindle:
         for window_id in windows:
             if self.desktop.screen.shows(window_id, node):
                 return window_id
-        for window_id in windows:
-            if self.desktop.screen.title(window_id) == node.name:
+        screen = self.desktop.screen
+        named = [window_id for window_id in windows if screen.title(window_id) == node.name]
+        for window_id in named:
+            place = screen.place(window_id)
+            if place and place[2:] == screen.spot(window_id, node, node)[2:]:
                 return window_id
-        return None
+        return named[0] if named else None
 
     def _middle(self, window, window_node, node):
         x, y, width, height = self.desktop.screen.spot(window, window_node, node)

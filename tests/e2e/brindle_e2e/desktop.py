@@ -2,7 +2,7 @@
 """A desktop of its own for a test: X server, window manager, session bus, accessibility bus."""
 
 import os
-import subprocess
+import sys
 
 from . import managers, scaling
 from .screen import Screen
@@ -60,6 +60,15 @@ class Desktop(Session):
 
     def click(self, x, y, button=1):
         self._xdotool("mousemove", str(x), str(y), "click", str(button))
+        self.park_pointer()
+
+    def hold_button(self, x, y):
+        """Presses the left button there and holds it."""
+        self._xdotool("mousemove", str(x), str(y), "mousedown", "1")
+
+    def let_button_go(self, x, y):
+        """Moves the held button there and lets it go."""
+        self._xdotool("mousemove", str(x), str(y), "mouseup", "1")
         self.park_pointer()
 
     def drag(self, start, end, steps=8):
@@ -167,7 +176,8 @@ class Desktop(Session):
         self.window_manager = self.run(command, self.manager.env, stdout=log, stderr=log)
         log.close()
         wait_for(self.screen.has_window_manager, "the window manager")
-        self.run([_WAKER], stderr=subprocess.DEVNULL)
+        with open(os.path.join(self.folder, "waker.log"), "wb") as log:
+            self.run([sys.executable, "-B", _WAKER], stdout=log, stderr=log)
 
     def _xdotool(self, *arguments):
         self._tool("xdotool", *arguments)

@@ -75,7 +75,7 @@ class Session:
         self._processes.append(process)
         return process
 
-    def run_bus(self, configuration="--session"):
+    def run_bus(self, configuration):
         """Starts a message bus, by an option of dbus-daemon: the process and its address."""
         read_end, write_end = os.pipe()
         bus = self.run(["dbus-daemon", configuration, "--nofork", f"--print-address={write_end}"],

@@ -20,7 +20,7 @@ def _connected(path):
     try:
         connection.connect(path)
         return connection
-    except OSError:
+    except (FileNotFoundError, ConnectionRefusedError):
         connection.close()
         return None
 

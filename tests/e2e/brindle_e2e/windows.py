@@ -14,6 +14,12 @@ OPENING_KEYS = {TODO_LIST: "ctrl+e", FIND: "ctrl+f", REPORT_RANGE: "ctrl+r",
                 SETTINGS: "ctrl+comma", HELP: "ctrl+slash"}
 
 
+def middle(spot):
+    """The point in the middle of (x, y, width, height)."""
+    x, y, width, height = spot
+    return x + width // 2, y + height // 2
+
+
 class Window:
     """One window of the running program, by its title."""
 
@@ -60,8 +66,7 @@ class Window:
         return wait_for(find, lambda: f"{role} {name!r} in {self.title!r}: {self.node.dump()}")
 
     def click(self, part):
-        x, y, width, height = self._spot(part)
-        self._desktop.click(x + width // 2, y + height // 2)
+        self._desktop.click(*middle(self.spot(part)))
 
     def press_button(self, name):
         """Clicks a button with the mouse."""
@@ -88,7 +93,7 @@ class Window:
     def drag(self, text, target, where):
         """Drags a row with the mouse: to the upper edge, middle or lower edge of the target row."""
         def extents(wanted):
-            return self._spot(next(item for item in self.items() if item.name == wanted))
+            return self.spot(next(item for item in self.items() if item.name == wanted))
 
         x, y, width, height = extents(text)
         start = (x + 20, y + height // 2)
@@ -96,8 +101,10 @@ class Window:
         end = (x + 40, {"above": y + 1, "on": y + height // 2, "below": y + height - 1}[where])
         self._desktop.drag(start, end)
 
-    def _spot(self, part):
-        return self._desktop.screen.spot(self.id, self.node, part)
+    def spot(self, part):
+        """(x, y, width, height) of a part, on the screen."""
+        window_id = wait_for(lambda: self.id, f"{self.title!r} on the screen")
+        return self._desktop.screen.spot(window_id, self.node, part)
 
 
 class WindowsTestCase(BrindleTestCase):

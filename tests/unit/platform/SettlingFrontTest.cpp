@@ -6,7 +6,7 @@
 namespace
 {
 
-constexpr int comingTimeMs = 2000;
+constexpr int comingTimeMs = SettlingFront::comingTimeMs;
 
 /// Counts what the application object is told about losing the front.
 class Losses : public QObject
@@ -43,6 +43,7 @@ private slots:
     void comingForwardOutOfAWindowThatClosesIsNoLoss();
     void aLossSoonAfterComingForwardIsTold();
     void comingForwardInVainEndsInTime();
+    void comingForwardInVainIsToldToWhoWasPutOff();
     void whoCameForwardLosesTheFrontAsUsual();
 
 private:
@@ -123,7 +124,7 @@ void SettlingFrontTest::anotherWindowsTurnBeginsThePatienceAnew()
 void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
 {
     const Losses losses;
-    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    SettlingFront front([this] { return m_inFront; });
     front.expectToComeForward();
     QVERIFY(front.areWeInFront()); // a splash screen has just closed, and nobody is in front
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
@@ -135,7 +136,7 @@ void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
 void SettlingFrontTest::comingForwardOutOfAWindowThatClosesIsNoLoss()
 {
     const Losses losses;
-    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    SettlingFront front([this] { return m_inFront; });
     m_inFront = true; // a splash screen has the keyboard
     front.expectToComeForward();
     QVERIFY(front.areWeInFront());
@@ -151,7 +152,7 @@ void SettlingFrontTest::comingForwardOutOfAWindowThatClosesIsNoLoss()
 void SettlingFrontTest::aLossSoonAfterComingForwardIsTold()
 {
     const Losses losses;
-    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    SettlingFront front([this] { return m_inFront; });
     m_inFront = true;
     front.expectToComeForward();
     m_inFront = false;
@@ -162,15 +163,27 @@ void SettlingFrontTest::aLossSoonAfterComingForwardIsTold()
 
 void SettlingFrontTest::comingForwardInVainEndsInTime()
 {
-    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    SettlingFront front([this] { return m_inFront; });
     front.expectToComeForward();
     QTRY_VERIFY_WITH_TIMEOUT(!front.areWeInFront(), 2 * comingTimeMs);
+}
+
+void SettlingFrontTest::comingForwardInVainIsToldToWhoWasPutOff()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    front.expectToComeForward();
+    QVERIFY(front.areWeInFront()); // on trust
+    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, 2 * comingTimeMs);
+    QVERIFY(!front.areWeInFront());
+    QTest::qWait(2 * SettlingFront::settlingTimeMs);
+    QCOMPARE(losses.count, 1);
 }
 
 void SettlingFrontTest::whoCameForwardLosesTheFrontAsUsual()
 {
     const Losses losses;
-    SettlingFront front([this] { return m_inFront; }, comingTimeMs);
+    SettlingFront front([this] { return m_inFront; });
     front.expectToComeForward();
     m_inFront = true;
     QVERIFY(front.areWeInFront());
