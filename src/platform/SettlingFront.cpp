@@ -45,7 +45,8 @@ void SettlingFront::frontChanged()
 
 void SettlingFront::settleNow()
 {
-    if (m_settling.isActive() && isLost()) {
+    // Whoever is only just coming forward has nothing to lose.
+    if (m_wereInFront && m_settling.isActive() && isLost()) {
         QEvent event(QEvent::ApplicationDeactivate);
         QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
     }

@@ -44,6 +44,7 @@ private slots:
     void aLossSoonAfterComingForwardIsTold();
     void comingForwardInVainEndsInTime();
     void comingForwardInVainIsToldToWhoWasPutOff();
+    void whatTheUserDoesMeanwhileIsNoReasonToGiveUpComingForward();
     void whoCameForwardLosesTheFrontAsUsual();
 
 private:
@@ -178,6 +179,17 @@ void SettlingFrontTest::comingForwardInVainIsToldToWhoWasPutOff()
     QVERIFY(!front.areWeInFront());
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
     QCOMPARE(losses.count, 1);
+}
+
+void SettlingFrontTest::whatTheUserDoesMeanwhileIsNoReasonToGiveUpComingForward()
+{
+    const Losses losses;
+    SettlingFront front([this] { return m_inFront; });
+    front.expectToComeForward();
+    QVERIFY(front.areWeInFront());
+    front.settleNow();
+    QCOMPARE(losses.count, 0);
+    QVERIFY(front.areWeInFront());
 }
 
 void SettlingFrontTest::whoCameForwardLosesTheFrontAsUsual()
