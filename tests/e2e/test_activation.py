@@ -7,6 +7,7 @@ import time
 
 from brindle_e2e import managers
 from brindle_e2e.beside import BesideAnotherProgram
+from brindle_e2e.brindle import middle
 from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.desktop import Desktop
 from brindle_e2e.waiting import stays, wait_for, wait_until_stays
@@ -324,15 +325,11 @@ class FocusFollowsPointer(ActivationTestCase):
         brindle = self.start_beside()
         brindle.bring_back()
         brindle.go("ctrl+l", "First")
-        self.here = self.middle(brindle.window)
+        self.here = middle(self.desktop.screen.place(brindle.window))
         self.there = self.spot_of_the_other_program(brindle)
         self.desktop.point_at(*self.here)
         brindle.wait_until_in_front()
         return brindle
-
-    def middle(self, window):
-        x, y, width, height = self.desktop.screen.place(window)
-        return x + width // 2, y + height // 2
 
     def spot_of_the_other_program(self, brindle):
         """A place where the other program isn't covered: its lower right corner."""

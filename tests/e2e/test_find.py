@@ -2,10 +2,11 @@
 """Finding with real keys: while typing, in the chosen file, with the mistakes that people make."""
 
 from brindle_e2e import datafile
+from brindle_e2e.brindle import middle
 from brindle_e2e.case import main
 from brindle_e2e.datafile import Entry
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
-from brindle_e2e.windows import FIND, TODO_LIST, Window, WindowsTestCase, middle
+from brindle_e2e.windows import FIND, TODO_LIST, Window, WindowsTestCase
 
 ERROR = "there is an error in your query"
 LONG = "Zucchini " + "and many more words " * 8

@@ -6,7 +6,7 @@ import signal
 import time
 
 from brindle_e2e import datafile
-from brindle_e2e.brindle import Brindle
+from brindle_e2e.brindle import Brindle, middle
 from brindle_e2e.case import PROGRAM, main
 from brindle_e2e.desktop import Desktop
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
@@ -42,12 +42,11 @@ class StartUp(WaylandTestCase):
 
     def test_the_splash_screen_ends_by_a_click(self):
         brindle = self.launch()
-        x, y, width, height = self.desktop.screen.place(wait_for(brindle.splash, "the splash screen"))
+        spot = middle(self.desktop.screen.place(wait_for(brindle.splash, "the splash screen")))
         # Nobody clicks on what has not been painted yet.
-        wait_for(lambda: self.desktop.screen.colour_at(x + width // 2, y + height // 2) != BACKGROUND,
-                 "the picture")
+        wait_for(lambda: self.desktop.screen.colour_at(*spot) != BACKGROUND, "the picture")
         started = time.monotonic()
-        self.desktop.click(x + width // 2, y + height // 2)
+        self.desktop.click(*spot)
         brindle.wait_for_main_window()
         brindle.expect(title="Brindle", panel=True)
         self.assertLess(time.monotonic() - started, 7, "it ended by itself")

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The program under test, as its user meets it: keys go in, the screen comes out."""
 
+import itertools
 import os
 import signal
 from dataclasses import dataclass
@@ -17,6 +18,12 @@ _LABELS = {"Parent entry": "parent", "Preceding entry": "preceding", "Following 
            "When the current entry was done": "done_date", "File of the current entry": "file"}
 _STATES = {"Parent entry": "parent_state", "Preceding entry": "preceding_state",
            "Current entry": "state", "Following entry": "following_state"}
+
+
+def middle(spot):
+    """The point in the middle of (x, y, width, height)."""
+    x, y, width, height = spot
+    return x + width // 2, y + height // 2
 
 
 @dataclass
@@ -96,8 +103,7 @@ class Brindle:
         """Ends the splash screen by a click or by a key; 'wait' lets it take its time."""
         window = wait_for(lambda: self._check_alive() and self.splash(), "the splash screen")
         if how == "click":
-            x, y, width, height = self.desktop.screen.place(window)
-            self.desktop.click(x + width // 2, y + height // 2)
+            self.desktop.click(*middle(self.desktop.screen.place(window)))
         elif how != "wait":
             wait_for(lambda: self.desktop.screen.active_window() == window, "the splash in front")
             self.desktop.keys(how)
@@ -349,22 +355,17 @@ class Brindle:
 
     def _find_window(self, node):
         """The window that shows this node: same process, same place, or at least same title."""
-        windows = self.desktop.screen.windows_of(self.pid)
-        # A message box can have the title of the dialog below it, or the program's name.
-        for window_id in windows:
-            if self.desktop.screen.shows(window_id, node):
-                return window_id
         screen = self.desktop.screen
+        windows = screen.windows_of(self.pid)
+        # A message box can have the title of the dialog below it, or the program's name.
         named = [window_id for window_id in windows if screen.title(window_id) == node.name]
-        for window_id in named:
-            place = screen.place(window_id)
-            if place and place[2:] == screen.spot(window_id, node, node)[2:]:
-                return window_id
-        return named[0] if named else None
+        return next(itertools.chain(
+            (window_id for window_id in windows if screen.shows(window_id, node)),
+            (window_id for window_id in named if screen.fits(window_id, node)),
+            named), None)
 
     def _middle(self, window, window_node, node):
-        x, y, width, height = self.desktop.screen.spot(window, window_node, node)
-        return x + width // 2, y + height // 2
+        return middle(self.desktop.screen.spot(window, window_node, node))
 
     @staticmethod
     def _editor(node):

@@ -116,6 +116,11 @@ class Screen:
         """Whether a window is that of a node on the accessibility bus."""
         return self.place(window_id) == self._scaled(node.extents)
 
+    def fits(self, window_id, node):
+        """Whether a window has the size of a node."""
+        place = self.place(window_id)
+        return place is not None and place[2:] == self._scaled(node.extents)[2:]
+
     def spot(self, window_id, window_node, node):
         """The place of a part on the screen, wherever the program believes its window to be."""
         left, top = self.place(window_id)[:2]

@@ -94,9 +94,12 @@ class SwayScreen:
 
     def shows(self, window_id, node):
         """Whether a window is that of a node. A program doesn't know where its windows are."""
+        return self.fits(window_id, node) and self.title(window_id) == node.name
+
+    def fits(self, window_id, node):
+        """Whether a window has the size of a node."""
         place = self.place(window_id)
-        return (place is not None and place[2:] == tuple(node.extents)[2:]
-                and self.title(window_id) == node.name)
+        return place is not None and place[2:] == tuple(node.extents)[2:]
 
     def spot(self, window_id, window_node, node):
         """The place of a part on the screen, from what the program says about it."""

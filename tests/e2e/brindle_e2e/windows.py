@@ -5,6 +5,7 @@ import os
 import sqlite3
 from contextlib import closing
 
+from .brindle import middle
 from .case import BrindleTestCase
 from .waiting import stays, wait_for, wait_for_value
 
@@ -12,12 +13,6 @@ TODO_LIST, FIND, REPORT_RANGE, REPORT = "To-do List", "Find", "Create Report", "
 SETTINGS, HELP = "Settings", "Brindle Help"
 OPENING_KEYS = {TODO_LIST: "ctrl+e", FIND: "ctrl+f", REPORT_RANGE: "ctrl+r",
                 SETTINGS: "ctrl+comma", HELP: "ctrl+slash"}
-
-
-def middle(spot):
-    """The point in the middle of (x, y, width, height)."""
-    x, y, width, height = spot
-    return x + width // 2, y + height // 2
 
 
 class Window:
