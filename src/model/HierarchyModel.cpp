@@ -85,6 +85,15 @@ bool HierarchyModel::getAndWriteModifiedBodyToDb()
     return true;
 }
 
+bool HierarchyModel::writeEditedText()
+{
+    const EntryAddress before = getCurrentAddress();
+    const bool written = getAndWriteModifiedBodyToDb();
+    if (getCurrentAddress() != before)
+        postStateChange();
+    return written;
+}
+
 bool HierarchyModel::writeStoredEntry()
 {
     if (!m_modifiedBody.isEmpty()) {
@@ -282,8 +291,7 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
 {
     if (address.entryId == -1)
         throw "-1 not allowed";
-    const EntryAddress before = getCurrentAddress();
-    if (!getAndWriteModifiedBodyToDb()) {
+    if (!writeEditedText()) {
         Refusal::refuse();
         return;
     }
@@ -291,8 +299,6 @@ void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
     // nothing changes before the target is known to exist.
     DiskStore *store = m_fileManager->getFile(address.fileIndex);
     if (!store || !store->contains(address.entryId)) {
-        if (getCurrentAddress() != before)
-            postStateChange();
         Refusal::refuse();
         return;
     }

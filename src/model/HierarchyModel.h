@@ -57,6 +57,9 @@ public:
     /// Writes the edited text: stores, inserts or, when cleared, deletes the current entry.
     /// \return false when that is refused (clearing a root or an entry with children).
     bool getAndWriteModifiedBodyToDb();
+    /// The same for whoever may leave it at that: redraws when the entry was inserted or deleted by
+    /// it, since neighbours and state are others then.
+    bool writeEditedText();
 
     /// \name Files at the top level
     /// \throws const char* when called at the wrong place.

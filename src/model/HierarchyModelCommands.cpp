@@ -43,8 +43,9 @@ bool HierarchyModel::carryOut(Command command)
     case Command::NewSibling:
         return commandNewSibling();
     case Command::SaveChangesAndHide:
-        m_fileManager->commitAndRestartTransactions();
-        emit requestAppDeactivation();
+        // After a failed save the window stays, with the error in front of it.
+        if (m_fileManager->commitAndRestartTransactions())
+            emit requestAppDeactivation();
         return true;
     case Command::MarkCurrentDone:
         return commandMarkDone();
@@ -446,7 +447,7 @@ bool HierarchyModel::unloadCurrentFile()
 {
     if (!m_diskStore)
         throw "there is no current file";
-    if (!getAndWriteModifiedBodyToDb())
+    if (!writeEditedText())
         return false;
     m_fileManager->unloadFile(m_currentFileIndex, false);
     return true;

@@ -19,7 +19,7 @@ constexpr int buttonTextLength = 20;
 
 bool HierarchyModel::canRegisterShortcut()
 {
-    return getAndWriteModifiedBodyToDb() && m_currentEntryId != -1;
+    return writeEditedText() && m_currentEntryId != -1;
 }
 
 bool HierarchyModel::registerShortcut(int key, const QString &keyText)
@@ -52,7 +52,7 @@ bool HierarchyModel::isShortcutRegistered(int key, bool ignoreCurrentEntry) cons
 
 void HierarchyModel::goToEntryByShortcutKey(int key)
 {
-    if (!getAndWriteModifiedBodyToDb()) {
+    if (!writeEditedText()) {
         Refusal::refuse();
         return;
     }

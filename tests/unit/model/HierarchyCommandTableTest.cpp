@@ -152,6 +152,9 @@ private slots:
     void anUnhandledCommandHasWrittenTheText();
     void refusedTextComesBeforeUnhandled();
     void saveAndHidePutsEverythingOnDisk();
+    void saveAndHideSavesBeforeItStepsBack();
+    void saveAndHideThatCannotSaveStaysInFront();
+    void aMoveThatFailsAfterwardsNeverWritesOneEntrysTextIntoAnother();
     void saveAndHideSavesAllFiles();
     void addToTodoListGivesTheAddress();
     void addToTodoListRefusesWhatIsNotToDo_data();
@@ -408,6 +411,52 @@ void HierarchyCommandTableTest::saveAndHidePutsEverythingOnDisk()
     QCOMPARE(desk.where(), u"one.bdl: c <dd> -"_s);
     const QString onDiskAfter = Outline::dump(Outline::readFromDisk(desk.filePath(u"one.bdl"_s)));
     QCOMPARE(onDiskAfter, u"- a\n  - a1\n  - a2\n- b\n- c\n- dd\n"_s);
+}
+
+void HierarchyCommandTableTest::saveAndHideSavesBeforeItStepsBack()
+{
+    HierarchyDesk desk;
+    setUp(desk);
+    desk.goTo(u"b"_s);
+    desk.type(u"bb"_s);
+    QString onDiskMeanwhile;
+    QObject context;
+    QObject::connect(desk.model.get(), &HierarchyModel::requestAppDeactivation, &context, [&] {
+        onDiskMeanwhile = Outline::dump(Outline::readFromDisk(desk.filePath(u"one.bdl"_s)));
+    });
+    desk.run(Command::SaveChangesAndHide);
+    QCOMPARE(onDiskMeanwhile, u"- a\n  - a1\n  - a2\n- bb\n- c\n"_s);
+}
+
+void HierarchyCommandTableTest::saveAndHideThatCannotSaveStaysInFront()
+{
+    HierarchyDesk desk;
+    setUp(desk);
+    desk.goTo(u"b"_s);
+    desk.type(u"bb"_s);
+    // Saved now it would be saved into nowhere.
+    QVERIFY(QFile::rename(desk.filePath(u"one.bdl"_s), desk.filePath(u"gone.bdl"_s)));
+    const BoxReader boxes;
+    QVERIFY(thrownBy([&] { desk.run(Command::SaveChangesAndHide); }).startsWith("a file error"));
+    QTRY_COMPARE(boxes.texts().size(), 1);
+    QCOMPARE(desk.deactivations->size(), 0);
+    QTRY_COMPARE(desk.files->getFileCount(), 1);
+    desk.run(Command::SaveChangesAndHide);
+    QCOMPARE(desk.deactivations->size(), 1);
+}
+
+void HierarchyCommandTableTest::aMoveThatFailsAfterwardsNeverWritesOneEntrysTextIntoAnother()
+{
+    HierarchyDesk desk;
+    const QString path = desk.addFile(u"one.bdl"_s, u"- a\n- b\n- c\n"_s);
+    // An entry without a text, as other programs leave it, can't be shown as a neighbour.
+    Outline::runOnDisk(path, {u"DELETE FROM entrybody WHERE content='c'"_s});
+    desk.start();
+    desk.goTo(u"a"_s);
+    QCOMPARE(thrownBy([&] { desk.run(Command::GoToNext); }), "entry not found");
+    QCOMPARE(desk.model->getBody(), u"b"_s);
+    thrownBy([&] { desk.run(Command::CommitEdit); });
+    QCOMPARE(desk.rows().at(2).text, u"b"_s);
 }
 
 void HierarchyCommandTableTest::saveAndHideSavesAllFiles()

@@ -39,6 +39,7 @@ private slots:
     void choosingAButtonJumpsToThePreferredChild();
     void cancelLeavesThePositionButTheTextIsWritten_data();
     void cancelLeavesThePositionButTheTextIsWritten();
+    void cancelAfterClearingTheEntryShowsItsPlaceEmpty();
     void chooserLabelsAreCutToTwentyCharacters();
     void chooserFollowsTheOrderOfTheFiles();
     void anUnreadableEntryInTheChooserIsThrown();
@@ -79,6 +80,13 @@ void HierarchyShortcutsTest::onlyStoredEntriesCanBeBound()
     // Whoever asked beeps, not the model.
     QCOMPARE(desk.refusals(), 0);
     QCOMPARE(desk.changed->size(), 0);
+    // Here asking deletes the entry, and what stands around its place is to be seen.
+    desk.type(u"a"_s);
+    desk.goTo(u"a1"_s);
+    desk.type(QString());
+    QVERIFY(!desk.model->canRegisterShortcut());
+    QCOMPARE(desk.changed->size(), 1);
+    QCOMPARE(desk.where(), u"a: - <> -"_s);
 }
 
 void HierarchyShortcutsTest::aNewEntryWithTypedTextIsWrittenAndCanBeBound()
@@ -363,6 +371,9 @@ void HierarchyShortcutsTest::followingTheKeyOfAnEntryJustClearedIsThrown()
              "shortcut hasn't been registered");
     QCOMPARE(desk.outline(), u"- b\n"_s);
     QCOMPARE(desk.deletions->size(), 1);
+    QCOMPARE(desk.changed->size(), 1);
+    QCOMPARE(desk.model->getShortcutKeyText(), QString());
+    QCOMPARE(desk.where(), u"one.bdl: - <> b"_s);
 }
 
 void HierarchyShortcutsTest::aKeyBoundInTwoFilesOpensTheChooserWithTwoButtonsInFileOrder()
@@ -460,6 +471,23 @@ void HierarchyShortcutsTest::cancelLeavesThePositionButTheTextIsWritten()
     QCOMPARE(desk.outline(), u"- a\n  x a1\n  - a2\n- bb\n"_s);
     QCOMPARE(desk.refusals(), 0);
     QCOMPARE(desk.editor->text(), u"bb"_s);
+}
+
+void HierarchyShortcutsTest::cancelAfterClearingTheEntryShowsItsPlaceEmpty()
+{
+    HierarchyDesk desk;
+    setUpTwoFilesWithTheSameKey(desk);
+    desk.store().registerShortcut(desk.idOf(u"b"_s), Qt::Key_B, u"B"_s);
+    desk.goTo(u"a"_s);
+    desk.goTo(u"b"_s);
+    QCOMPARE(desk.model->getShortcutKeyText(), u"B"_s);
+    desk.type(QString());
+    const BoxAnswer cancel(BoxAnswer::press(QMessageBox::Cancel));
+    desk.model->goToEntryByShortcutKey(Qt::Key_K);
+    QVERIFY(cancel.wasShown());
+    QCOMPARE(desk.where(), u"one.bdl: a <> -"_s);
+    QCOMPARE(desk.model->getShortcutKeyText(), QString());
+    QCOMPARE(desk.changed->size(), 1);
 }
 
 void HierarchyShortcutsTest::chooserLabelsAreCutToTwentyCharacters()
