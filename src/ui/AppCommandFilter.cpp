@@ -21,26 +21,20 @@
 
 namespace
 {
-bool isApplicationWide(Command command)
+/// Holding the keys must not ask again and again, nor discard or save what is typed in between; and
+/// the key that has closed one window must not step back from the next.
+bool isNeverRepeated(Command command)
 {
     switch (command) {
+    case Command::Hide:
+    case Command::SaveChangesAndHide:
     case Command::DiscardChanges:
-    case Command::ActivateTodoListWindow:
-    case Command::ShowFindWindow:
-    case Command::ShowCreateReportDialog:
-    case Command::ShowSettingsDialog:
-    case Command::ShowHelp:
+    case Command::RegisterShortcut:
     case Command::Exit:
         return true;
     default:
         return false;
     }
-}
-
-/// Holding the keys must not ask again and again, nor discard what is typed in between.
-bool isNeverRepeated(Command command)
-{
-    return command == Command::Exit || command == Command::DiscardChanges;
 }
 } // namespace
 
@@ -62,47 +56,88 @@ AppCommandFilter::~AppCommandFilter() = default;
 
 bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
 {
-    if (event->type() != QEvent::KeyPress)
-        return false;
-    const auto *keyEvent = static_cast<QKeyEvent *>(event);
-    const Command command = KeyPress::command(*keyEvent, QApplication::keyboardModifiers());
-    if (!isApplicationWide(command))
+    if (event->type() == QEvent::KeyRelease)
+        m_repeats.noteRelease(*static_cast<QKeyEvent *>(event));
+    return event->type() == QEvent::KeyPress && takesPress(*static_cast<QKeyEvent *>(event));
+}
+
+bool AppCommandFilter::takesPress(const QKeyEvent &press)
+{
+    const bool repeated = m_repeats.isRepeat(press);
+    // The key of a held Ctrl+S is not the one that is waited for.
+    if (repeated && m_mainWindow->isRegisteringShortcut() && m_mainWindow->isActiveWindow())
+        return true;
+    const Command command = KeyPress::command(press, QApplication::keyboardModifiers());
+    if (repeated && isNeverRepeated(command))
+        return true;
+    const Action action = actionFor(command);
+    if (!action)
         return false;
     // Under an open box nothing may change: what the box asks about would no longer hold.
-    const bool blocked = QApplication::activeModalWidget() != nullptr;
-    if (!blocked && !(keyEvent->isAutoRepeat() && isNeverRepeated(command)))
-        guardAgainstTexts(lcCommands(), "eventFilter", [this, command] { carryOut(command); });
+    if (!QApplication::activeModalWidget())
+        guardAgainstTexts(lcCommands(), "eventFilter", [&] { carryOut(command, action); });
     return true;
 }
 
-void AppCommandFilter::carryOut(Command command)
+AppCommandFilter::Action AppCommandFilter::actionFor(Command command)
+{
+    switch (command) {
+    case Command::DiscardChanges:
+        return &AppCommandFilter::discardChanges;
+    case Command::ActivateTodoListWindow:
+        return &AppCommandFilter::showTodoList;
+    case Command::ShowFindWindow:
+        return &AppCommandFilter::showFindWindow;
+    case Command::ShowCreateReportDialog:
+        return &AppCommandFilter::showCreateReportDialog;
+    case Command::ShowSettingsDialog:
+        return &AppCommandFilter::showSettings;
+    case Command::ShowHelp:
+        return &AppCommandFilter::showHelp;
+    case Command::Exit:
+        return &AppCommandFilter::exitApplication;
+    default:
+        return nullptr;
+    }
+}
+
+void AppCommandFilter::carryOut(Command command, Action action)
 {
     logCommand(command);
     m_mainWindow->setRegisterShortcut(false);
-    switch (command) {
-    case Command::DiscardChanges:
-        m_fileManager->rollbackAndRestartTransactions();
-        break;
-    case Command::ActivateTodoListWindow:
-        bringForward();
-        m_todoListWindow->showWindow(EntryAddress());
-        break;
-    case Command::ShowFindWindow:
-        bringForward();
-        m_findWindow->activateAndSelectQuery();
-        break;
-    case Command::ShowCreateReportDialog:
-        showWindow(m_createReportDialog, m_fileManager);
-        break;
-    case Command::ShowSettingsDialog:
-        showWindow(m_settings, m_activationSupport);
-        break;
-    case Command::ShowHelp:
-        showWindow(m_help, m_nativeSupport);
-        break;
-    default:
-        exitApplication();
-    }
+    (this->*action)();
+}
+
+void AppCommandFilter::discardChanges()
+{
+    m_fileManager->rollbackAndRestartTransactions();
+}
+
+void AppCommandFilter::showTodoList()
+{
+    bringForward();
+    m_todoListWindow->showWindow(EntryAddress());
+}
+
+void AppCommandFilter::showFindWindow()
+{
+    bringForward();
+    m_findWindow->activateAndSelectQuery();
+}
+
+void AppCommandFilter::showCreateReportDialog()
+{
+    showWindow(m_createReportDialog, m_fileManager);
+}
+
+void AppCommandFilter::showSettings()
+{
+    showWindow(m_settings, m_activationSupport);
+}
+
+void AppCommandFilter::showHelp()
+{
+    showWindow(m_help, m_nativeSupport);
 }
 
 // A dialog can outlive the application's stepping back; what it opens would be hidden at once.
@@ -125,7 +160,7 @@ void AppCommandFilter::showWindow(std::unique_ptr<Window> &window, Source *sourc
 
 void AppCommandFilter::exitApplication()
 {
-    if (!m_model->getAndWriteModifiedBodyToDb())
+    if (!m_model->writeEditedText())
         Refusal::refuse();
     else
         m_fileManager->promptUserToMaybeSaveChangesAndExit();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/Command.h"
+#include "ui/KeyRepeats.h"
 
 #include <QObject>
 #include <memory>
@@ -15,11 +16,13 @@ class Help;
 class HierarchyModel;
 class HierarchyWindow;
 class NativeSupport;
+class QKeyEvent;
 class Settings;
 class TodoListWindow;
 
 /// Event filter of the application object: it carries out the few commands that work whichever
-/// window has the keyboard, and leaves all other keys to that window.
+/// window has the keyboard, and leaves all other keys to that window, but for those that a held key
+/// repeats and that must not be.
 class AppCommandFilter : public QObject
 {
     Q_OBJECT
@@ -42,7 +45,18 @@ signals:
     void requestAppDeactivation();
 
 private:
-    void carryOut(Command command);
+    using Action = void (AppCommandFilter::*)();
+
+    bool takesPress(const QKeyEvent &press);
+    /// What carries \a command out in every window; null when the window with the keyboard does.
+    static Action actionFor(Command command);
+    void carryOut(Command command, Action action);
+    void discardChanges();
+    void showTodoList();
+    void showFindWindow();
+    void showCreateReportDialog();
+    void showSettings();
+    void showHelp();
     void bringForward();
     template <typename Window, typename Source>
     void showWindow(std::unique_ptr<Window> &window, Source *source);
@@ -54,6 +68,7 @@ private:
     FindWindow *m_findWindow;
     NativeSupport *m_nativeSupport;
     AppActivationSupport *m_activationSupport;
+    KeyRepeats m_repeats;
 
     // Made when their command is first given, and kept.
     std::unique_ptr<Help> m_help;

@@ -83,12 +83,6 @@ void HierarchyWindow::EntryTextEdit::keyPressEvent(QKeyEvent *event)
     }
 }
 
-void HierarchyWindow::EntryTextEdit::keyReleaseEvent(QKeyEvent *event)
-{
-    QPlainTextEdit::keyReleaseEvent(event);
-    event->ignore(); // the window keeps an eye on held keys
-}
-
 void HierarchyWindow::EntryTextEdit::insertFromMimeData(const QMimeData *source)
 {
     // Qt 6.4 crashes on an empty clipboard.

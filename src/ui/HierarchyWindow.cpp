@@ -129,22 +129,6 @@ void HierarchyWindow::keyPressEvent(QKeyEvent *event)
                       [this, event] { handleKeyPress(event); });
 }
 
-void HierarchyWindow::keyReleaseEvent(QKeyEvent *event)
-{
-    m_releasedKey = event->key();
-    m_releaseTime = event->timestamp();
-    AbstractWindow::keyReleaseEvent(event);
-}
-
-// A held key comes as a release and a press at the very same moment. The toolkit only sees that
-// when the press is already waiting, which on a busy computer it isn't.
-bool HierarchyWindow::isRepeated(const QKeyEvent &event) const
-{
-    return event.isAutoRepeat()
-        || (event.key() == m_releasedKey && event.timestamp() == m_releaseTime
-            && m_releaseTime != 0);
-}
-
 void HierarchyWindow::handleKeyPress(QKeyEvent *event)
 {
     const Qt::KeyboardModifiers held = QApplication::keyboardModifiers();
@@ -166,7 +150,7 @@ void HierarchyWindow::handleKeyPress(QKeyEvent *event)
     event->accept();
     logCommand(command);
     if (command == Command::RegisterShortcut)
-        startRegisteringShortcut(*event);
+        startRegisteringShortcut();
     else
         m_model->handleCommand(command);
     giveKeyboardToPage();
@@ -174,8 +158,8 @@ void HierarchyWindow::handleKeyPress(QKeyEvent *event)
 
 void HierarchyWindow::registerPressedKey(const QKeyEvent &event, Qt::KeyboardModifiers held)
 {
-    // A held Ctrl+S repeats, and on the way to Shift+X there is Shift: neither is the awaited key.
-    if (isRepeated(event) || KeyLookup::isModifierOrLockKey(event.key()))
+    // On the way to Shift+X there is Shift: not the awaited key.
+    if (KeyLookup::isModifierOrLockKey(event.key()))
         return;
     setRegisterShortcut(false);
     if (KeyPress::withoutKeypadAndGroup(held) != Qt::NoModifier)
@@ -214,10 +198,8 @@ void HierarchyWindow::jumpToPressedKey(const QKeyEvent &event, Qt::KeyboardModif
     Refusal::refuse();
 }
 
-void HierarchyWindow::startRegisteringShortcut(const QKeyEvent &event)
+void HierarchyWindow::startRegisteringShortcut()
 {
-    if (isRepeated(event))
-        return;
     if (m_model->canRegisterShortcut())
         setRegisterShortcut(true);
     else

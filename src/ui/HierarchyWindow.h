@@ -55,7 +55,6 @@ public slots:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void keyReleaseEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void showRefusal() override;
 
@@ -87,18 +86,15 @@ private:
     void giveKeyboardToPage();
 
     void handleKeyPress(QKeyEvent *event);
-    bool isRepeated(const QKeyEvent &event) const;
     void registerPressedKey(const QKeyEvent &event, Qt::KeyboardModifiers held);
     void jumpToPressedKey(const QKeyEvent &event, Qt::KeyboardModifiers held);
-    void startRegisteringShortcut(const QKeyEvent &event);
+    void startRegisteringShortcut();
 
     HierarchyModel *m_model;
     AppActivationSupport *m_activationSupport;
     Qt::KeyboardModifiers m_shortcutModifier;
     int m_shortcutModifierKey;
     bool m_registerShortcut = false;
-    int m_releasedKey = 0;
-    quint64 m_releaseTime = 0;
     EntryAddress m_shownAddress; ///< The entry in the editor at the last refresh.
     QPixmap m_hasChildrenArrow;
     QPixmap m_hiddenArrow;

@@ -83,6 +83,12 @@ private slots:
     void exitWithTextThatCannotBeWrittenIsRefusedAndQuitsNothing();
     void exitCancelledLeavesEverythingAsItWas();
     void autoRepeatNeverRepeatsExitAndDiscard();
+    void aRepeatIsKnownByItsTimeAlone();
+    void heldEnterInAListJumpsAndGoesNoFurther_data();
+    void heldEnterInAListJumpsAndGoesNoFurther();
+    void heldEscapeInADialogHidesItAndGoesNoFurther_data();
+    void heldEscapeInADialogHidesItAndGoesNoFurther();
+    void exitCancelledShowsWhatWritingTheTextHasChanged();
     void underAModalBoxCommandsAreSwallowedWithoutEffect_data();
     void underAModalBoxCommandsAreSwallowedWithoutEffect();
     void eachWindowCommandOpensItsWindow_data();
@@ -241,6 +247,111 @@ void AppCommandFilterTest::autoRepeatNeverRepeatsExitAndDiscard()
     QCOMPARE(desk.storedBody(entry), u"unsaved"_s);
     QCOMPARE(desk.editor()->toPlainText(), u"unsaved"_s);
     QCOMPARE(log.count(u"command "_s), 0);
+}
+
+// On a busy computer the toolkit doesn't see that a press is a repeated one.
+void AppCommandFilterTest::aRepeatIsKnownByItsTimeAlone()
+{
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    const qint64 entry = desk.addEntry(root, u"unsaved"_s, 0);
+    desk.show();
+    desk.goTo(entry);
+    const auto send = [&desk](QEvent::Type type, quint64 time) {
+        QKeyEvent event(type, Qt::Key_Return, Qt::NoModifier);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(desk.window->windowHandle(), &event);
+    };
+    send(QEvent::KeyRelease, 7000);
+    send(QEvent::KeyPress, 7000);
+    QVERIFY(!desk.files.unsavedSince().isNull());
+    QVERIFY(desk.activation.isAppActive());
+    send(QEvent::KeyRelease, 7100);
+    send(QEvent::KeyPress, 7150);
+    QVERIFY(desk.files.unsavedSince().isNull());
+    QVERIFY(!desk.activation.isAppActive());
+}
+
+void AppCommandFilterTest::heldEnterInAListJumpsAndGoesNoFurther_data()
+{
+    QTest::addColumn<bool>("inFindWindow");
+    QTest::addColumn<int>("key");
+    QTest::newRow("find window, Return") << true << int(Qt::Key_Return);
+    QTest::newRow("find window, Enter") << true << int(Qt::Key_Enter);
+    QTest::newRow("to-do list, Return") << false << int(Qt::Key_Return);
+    QTest::newRow("to-do list, Enter") << false << int(Qt::Key_Enter);
+}
+
+void AppCommandFilterTest::heldEnterInAListJumpsAndGoesNoFurther()
+{
+    QFETCH(bool, inFindWindow);
+    QFETCH(int, key);
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    const qint64 entry = desk.addEntry(root, u"wanted"_s, 0);
+    desk.todos.addTodo({0, entry});
+    desk.show();
+    AbstractWindow *list = desk.todoWindow.get();
+    if (inFindWindow) {
+        list = desk.findWindow.get();
+        list->findChild<QLineEdit *>(u"queryLine"_s)->setText(u"wanted"_s);
+    }
+    desk.press(inFindWindow ? Qt::Key_F : Qt::Key_E, ctrl);
+    QVERIFY(QTest::qWaitForWindowActive(list));
+    pressIn(*list, key);
+    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    for (int repeats = 0; repeats < 3; ++repeats)
+        desk.pressRepeated(key, Qt::NoModifier);
+    QCOMPARE(desk.model.getBody(), u"wanted"_s);
+    QVERIFY(desk.window->isVisible());
+    QVERIFY(desk.activation.isAppActive());
+    QVERIFY(!desk.files.unsavedSince().isNull());
+}
+
+void AppCommandFilterTest::heldEscapeInADialogHidesItAndGoesNoFurther_data()
+{
+    QTest::addColumn<int>("opensIt");
+    QTest::newRow("help") << int(Qt::Key_Slash);
+    QTest::newRow("settings") << int(Qt::Key_Comma);
+    QTest::newRow("report") << int(Qt::Key_R);
+    QTest::newRow("find window") << int(Qt::Key_F);
+    QTest::newRow("to-do list") << int(Qt::Key_E);
+}
+
+void AppCommandFilterTest::heldEscapeInADialogHidesItAndGoesNoFurther()
+{
+    QFETCH(int, opensIt);
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.press(opensIt, ctrl);
+    AbstractWindow *dialog = openWindows(desk).value(0);
+    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    pressIn(*dialog, Qt::Key_Escape);
+    QVERIFY(!dialog->isVisible());
+    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    for (int repeats = 0; repeats < 3; ++repeats)
+        desk.pressRepeated(Qt::Key_Escape, Qt::NoModifier);
+    QVERIFY(desk.window->isVisible());
+    QVERIFY(desk.activation.isAppActive());
+    desk.press(Qt::Key_Escape);
+    QVERIFY(!desk.activation.isAppActive());
+}
+
+void AppCommandFilterTest::exitCancelledShowsWhatWritingTheTextHasChanged()
+{
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    const qint64 entry = desk.addEntry(root, u"text"_s, 0);
+    desk.files.getFile(0)->registerShortcut(entry, Qt::Key_K, u"K"_s);
+    desk.show();
+    desk.goTo(entry);
+    desk.editor()->clear(); // which deletes it
+    const BoxAnswer cancel(QMessageBox::Cancel);
+    QVERIFY(!exitEndsTheLoop(desk));
+    QCOMPARE(cancel.count(), 1);
+    QVERIFY(!desk.files.getFile(0)->contains(entry));
+    QCOMPARE(desk.label("shortcutKeyLabel"), QString());
 }
 
 void AppCommandFilterTest::underAModalBoxCommandsAreSwallowedWithoutEffect_data()
