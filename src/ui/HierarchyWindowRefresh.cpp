@@ -39,6 +39,9 @@ void HierarchyWindow::refresh()
     const bool appActive = m_activationSupport->isAppActive();
     if (wasVisible && !appActive)
         setVisible(false);
+    // Another entry may stand here now, and the key is for the one that it was asked for.
+    if (m_registerShortcut)
+        setRegisterShortcut(false);
 
     showPage();
     showParent();

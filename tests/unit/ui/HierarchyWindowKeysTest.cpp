@@ -64,6 +64,8 @@ private slots:
     void registerModeMasksTheKeypadFlag();
     void registerModeIsNotEnteredAtANewEntry();
     void registerModeIsNotEnteredByAutoRepeat();
+    void registerModeEndsWhenAnotherEntryTakesThePlace_data();
+    void registerModeEndsWhenAnotherEntryTakesThePlace();
     void registerModeShowsTheBorder();
 
     void shortcutModifierAloneIsNoLookup();
@@ -379,6 +381,43 @@ void HierarchyWindowKeysTest::registerModeIsNotEnteredByAutoRepeat()
     desk.pressRepeated(Qt::Key_S, ctrl);
     QVERIFY(!desk.registering());
     QCOMPARE(desk.refusals->count(), 0);
+}
+
+void HierarchyWindowKeysTest::registerModeEndsWhenAnotherEntryTakesThePlace_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::newRow("a jump from the to-do list") << u"jump"_s;
+    QTest::newRow("its file is closed") << u"close"_s;
+    QTest::newRow("a discard") << u"discard"_s;
+}
+
+void HierarchyWindowKeysTest::registerModeEndsWhenAnotherEntryTakesThePlace()
+{
+    QFETCH(QString, how);
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    desk.addFile(u"b.bdl"_s); // its root has the same id
+    const qint64 alpha = desk.addEntry(root, u"alpha"_s, 0);
+    const qint64 beta = desk.addEntry(root, u"beta"_s, 1);
+    desk.todos.addTodo({0, beta});
+    desk.show();
+    desk.goTo(how == u"close" ? root : alpha);
+    desk.files.commitAndRestartTransactions();
+    desk.press(Qt::Key_S, ctrl);
+    QVERIFY(desk.window->isRegisteringShortcut());
+    if (how == u"jump")
+        desk.todoWindow->jumpToEntryInHierarchyAndHideTodoList(desk.todos.index(0));
+    else if (how == u"close")
+        desk.child<QPushButton>("closeButton")->click();
+    else
+        desk.files.rollbackAndRestartTransactions();
+    QVERIFY(!desk.window->isRegisteringShortcut());
+    QCOMPARE(desk.child<QLabel>("shortcutKeyLabel")->property("regshortcutkey").toString(),
+             u"false"_s);
+    const QString before = desk.editor()->toPlainText();
+    desk.type(u"k"_s);
+    QCOMPARE(desk.editor()->toPlainText(), before + u'k');
+    QCOMPARE(desk.files.getEntriesByShortcutKey(Qt::Key_K).size(), 0);
 }
 
 void HierarchyWindowKeysTest::registerModeShowsTheBorder()
