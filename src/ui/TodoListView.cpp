@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <algorithm>
 
 TodoListWindow::TodoListView::TodoListView(TodoListModel *model, TodoListWindow *window)
     : QListView(window)
@@ -15,6 +16,9 @@ TodoListWindow::TodoListView::TodoListView(TodoListModel *model, TodoListWindow 
     setObjectName(QStringLiteral("todoListView"));
     setAccessibleName(tr("To-do list"));
     setModel(model);
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this,
+            &TodoListView::rememberSelection);
+    connect(model, &QAbstractItemModel::modelReset, this, &TodoListView::restoreSelection);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setDragEnabled(true);
     setAcceptDrops(true);
@@ -35,6 +39,37 @@ void TodoListWindow::TodoListView::selectFirstIfNoneSelected()
     const QModelIndex first = m_model->getFirstEntryIndex();
     if (!selectionModel()->hasSelection() && first.isValid())
         selectRow(first);
+}
+
+void TodoListWindow::TodoListView::rememberSelection()
+{
+    const QModelIndex selected = selectedIndexes().value(0);
+    m_rowBeforeReset = selected.row();
+    m_textBeforeReset = selected.data().toString();
+}
+
+// A discard, or a file that comes, goes or moves, must not leave the user without a row: the same
+// entry as far as it is still there, else what stands in its place.
+void TodoListWindow::TodoListView::restoreSelection()
+{
+    if (m_rowBeforeReset == -1 || m_model->rowCount() == 0)
+        return;
+    const int row = std::min(m_rowBeforeReset, m_model->rowCount() - 1);
+    selectRow(m_model->index(nearestRowWith(m_textBeforeReset, row)));
+}
+
+/// \a row itself when no row has the \a text.
+int TodoListWindow::TodoListView::nearestRowWith(const QString &text, int row) const
+{
+    const auto hasText
+        = [&](int candidate) { return m_model->index(candidate).data().toString() == text; };
+    for (int distance = 0; distance < m_model->rowCount(); ++distance) {
+        for (const int candidate : {row - distance, row + distance}) {
+            if (candidate >= 0 && candidate < m_model->rowCount() && hasText(candidate))
+                return candidate;
+        }
+    }
+    return row;
 }
 
 void TodoListWindow::TodoListView::keyPressEvent(QKeyEvent *event)

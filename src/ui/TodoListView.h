@@ -21,8 +21,13 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void rememberSelection();
+    void restoreSelection();
+    int nearestRowWith(const QString &text, int row) const;
     bool handlePlainKey(int key, const QModelIndex &selected);
 
     TodoListModel *m_model;
     TodoListWindow *m_window;
+    int m_rowBeforeReset = -1;
+    QString m_textBeforeReset;
 };

@@ -95,6 +95,9 @@ private slots:
     void hidesWithTheApplication();
     void aJumpToAMissingEntryHidesAllTheSame();
     void rowsVanishWithTheirFile();
+    void theSelectedRowOutlivesARebuiltList_data();
+    void theSelectedRowOutlivesARebuiltList();
+    void aDiscardThatTakesTheSelectedRowSelectsTheOneInItsPlace();
 };
 
 void TodoListWindowTest::isASmallToolWindowOfItsOwn()
@@ -367,6 +370,53 @@ void TodoListWindowTest::rowsVanishWithTheirFile()
     desk.todoWindow->showWindow();
     desk.pressInList(Qt::Key_Return);
     QCOMPARE(desk.editor()->toPlainText(), u"x"_s);
+}
+
+void TodoListWindowTest::theSelectedRowOutlivesARebuiltList_data()
+{
+    QTest::addColumn<QString>("how");
+    for (const char *how : {"discard", "open", "close", "move"})
+        QTest::newRow(how) << QString::fromLatin1(how);
+}
+
+void TodoListWindowTest::theSelectedRowOutlivesARebuiltList()
+{
+    QFETCH(QString, how);
+    TodoWindowDesk desk;
+    const qint64 otherRoot = desk.addFile(u"other.bdl"_s);
+    desk.todos.addTodo({1, desk.addEntry(otherRoot, u"other"_s, 0, EntryState::Todo, 1)});
+    desk.files.commitAndRestartTransactions();
+    desk.open();
+    desk.todoWindow->showWindow({0, desk.idOf(u"b"_s)});
+    QCOMPARE(desk.selected(), u"b"_s);
+    if (how == u"discard")
+        desk.files.rollbackAndRestartTransactions();
+    else if (how == u"open")
+        desk.files.openFile(desk.settings.filePath(u"new.bdl"_s), 0);
+    else if (how == u"close")
+        desk.files.unloadFile(1, true);
+    else
+        desk.files.reorderFile(0, 1);
+    QCOMPARE(desk.selected(), u"b"_s);
+    QVERIFY(desk.todoWindow->isVisible());
+    desk.todoWindow->activateWindow();
+    desk.waitForList();
+    desk.pressInList(Qt::Key_Return);
+    QCOMPARE(desk.model.getBody(), u"b"_s);
+    QVERIFY(!desk.todoWindow->isVisible());
+}
+
+void TodoListWindowTest::aDiscardThatTakesTheSelectedRowSelectsTheOneInItsPlace()
+{
+    TodoWindowDesk desk;
+    desk.files.commitAndRestartTransactions();
+    const qint64 added = desk.addEntry(desk.files.getFile(0)->getEntryId(-1, 0), u"new"_s, 3);
+    desk.todos.addTodo({0, added});
+    desk.open();
+    desk.todoWindow->showWindow({0, added});
+    QCOMPARE(desk.selected(), u"new"_s);
+    desk.files.rollbackAndRestartTransactions();
+    QCOMPARE(desk.selected(), u"a"_s);
 }
 
 QTEST_MAIN(TodoListWindowTest)
