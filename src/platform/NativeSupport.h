@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/KeyCommandMap.h"
+#include "platform/FrontLoss.h"
 
 #include <QObject>
 #include <memory>
@@ -78,4 +79,8 @@ public:
 signals:
     /// The activation hotkey was pressed; once per press, on the GUI thread.
     void hotKeyPressed();
+
+    /// This application isn't in front, as areWeFrontProcess() said a moment ago. Desktops that
+    /// know at once leave it to the toolkit's ApplicationDeactivate event.
+    void notInFront(FrontLoss reason);
 };

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/SettlingFront.h"
 
-#include <QCoreApplication>
-#include <QEvent>
 #include <algorithm>
 
 SettlingFront::SettlingFront(std::function<bool()> inFrontNow)
@@ -46,24 +44,16 @@ void SettlingFront::frontChanged()
 void SettlingFront::settleNow()
 {
     // Whoever is only just coming forward has nothing to lose.
-    if (m_wereInFront && m_settling.isActive() && isLost()) {
-        QEvent event(QEvent::ApplicationDeactivate);
-        QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
-    }
-}
-
-bool SettlingFront::isLost()
-{
-    m_settling.stop();
-    m_coming = QDeadlineTimer(0);
-    m_areInFront = m_wereInFront = m_inFrontNow();
-    return !m_wereInFront;
+    if (m_wereInFront && m_settling.isActive())
+        settled();
 }
 
 void SettlingFront::settled()
 {
-    if (isLost()) {
-        QCoreApplication::postEvent(QCoreApplication::instance(),
-                                    new QEvent(QEvent::ApplicationDeactivate));
-    }
+    const FrontLoss reason = m_wereInFront ? FrontLoss::Lost : FrontLoss::NeverCame;
+    m_settling.stop();
+    m_coming = QDeadlineTimer(0);
+    m_areInFront = m_wereInFront = m_inFrontNow();
+    if (!m_wereInFront)
+        emit notInFront(reason);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "platform/FrontLoss.h"
+
 #include <QDeadlineTimer>
 #include <QObject>
 #include <QTimer>
@@ -26,8 +28,7 @@ public:
     explicit SettlingFront(std::function<bool()> inFrontNow);
 
     /// What the desktop says; yes as well while a loss has still to prove itself, and while coming
-    /// forward. When that yes turns out to be wrong, an ApplicationDeactivate event tells the
-    /// application object.
+    /// forward. When that yes turns out to be wrong, notInFront() tells.
     bool areWeInFront();
 
     /// The application is being brought forward: what was before counts no longer.
@@ -40,9 +41,11 @@ public:
     /// told at once.
     void settleNow();
 
+signals:
+    void notInFront(FrontLoss reason);
+
 private:
     void settled();
-    bool isLost();
 
     std::function<bool()> m_inFrontNow;
     bool m_areInFront = false;

@@ -42,6 +42,11 @@ public:
     }
 
     void pressHotkey() { emit hotKeyPressed(); }
+    void sayNotInFront(FrontLoss reason)
+    {
+        areWeFront = false;
+        emit notInFront(reason);
+    }
 
     bool areWeFront = true; ///< What areWeFrontProcess() answers.
     QString hotkeyNotice; ///< What getActivationHotkeyNotice() answers.

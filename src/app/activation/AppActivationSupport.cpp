@@ -60,6 +60,7 @@ AppActivationSupport::AppActivationSupport(NativeSupport *nativeSupport)
     m_confirmTimer.setSingleShot(true);
     m_confirmTimer.setInterval(confirmationDelayMs);
     connect(&m_confirmTimer, &QTimer::timeout, this, &AppActivationSupport::confirmAppActivation);
+    connect(nativeSupport, &NativeSupport::notInFront, this, &AppActivationSupport::frontNotOurs);
     // A child of this object: nothing may ask it after its owner is gone.
     QCoreApplication::instance()->installEventFilter(new ActivationEventFilter(this));
 }
@@ -140,6 +141,14 @@ void AppActivationSupport::confirmAppActivation()
         return;
     qCDebug(activationLog) << "the desktop did not bring the application to the front";
     deactivateApp(false, true);
+}
+
+void AppActivationSupport::frontNotOurs(FrontLoss reason)
+{
+    if (reason == FrontLoss::Lost)
+        deactivateApp(false, false);
+    else if (!m_confirmTimer.isActive()) // which judges it when its time has come
+        deactivateApp(false, true);
 }
 
 void AppActivationSupport::activateApp(bool captureOrRestoreFrontProcess)

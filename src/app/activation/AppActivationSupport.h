@@ -4,6 +4,7 @@
 #include "app/activation/InstanceEndpoint.h"
 #include "app/activation/InstanceRequest.h"
 #include "app/activation/LongTimer.h"
+#include "platform/FrontLoss.h"
 
 #include <QList>
 #include <QObject>
@@ -102,10 +103,13 @@ signals:
     void activeAgain();
 
 private:
+    void frontNotOurs(FrontLoss reason);
     void startActivationTimer(bool accelerateReactivation);
     bool startInstanceServer();
     bool talkToRunningInstance(RunningInstance &running);
     void askRunningInstance(RunningInstance &running);
+    bool takeOver(const RunningInstance &gone);
+    [[noreturn]] void endWithoutLock();
     void reportFailedLook();
     void handleRequestLater(const InstanceRequest &request);
     void handleRequest(const InstanceRequest &request);

@@ -60,6 +60,7 @@ bool WaylandSupport::attach()
     m_front = std::make_unique<SettlingFront>(toolkitSaysActive);
     connect(application, &QGuiApplication::applicationStateChanged, m_front.get(),
             &SettlingFront::frontChanged);
+    connect(m_front.get(), &SettlingFront::notInFront, this, &NativeSupport::notInFront);
     m_requests = std::make_unique<FrontRequests>([this](QWindow *window) { bringForward(window); });
     m_boxFocus = std::make_unique<ModalBoxFocus>();
     m_hotkey = std::make_unique<PortalHotkey>();

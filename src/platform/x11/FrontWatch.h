@@ -7,9 +7,9 @@
 
 class FrontWindow;
 
-/// Knows whether this application is in front, and tells the application object (by an
-/// ApplicationDeactivate event) when another one has taken its place. The toolkit's own such event
-/// doesn't come when a window manager passes the front on without telling our windows.
+/// Knows whether this application is in front, and tells when another one has taken its place. The
+/// toolkit's own ApplicationDeactivate event doesn't come when a window manager passes the front on
+/// without telling our windows.
 class FrontWatch : public SettlingFront, private QAbstractNativeEventFilter
 {
     Q_OBJECT

@@ -54,6 +54,7 @@ bool X11Support::attach()
         return false;
     m_attachedTo = application;
     m_watch = std::make_unique<FrontWatch>(*m_front);
+    connect(m_watch.get(), &SettlingFront::notInFront, this, &NativeSupport::notInFront);
     m_lateMapping = std::make_unique<LateMapping>();
     m_missedFocus = std::make_unique<MissedFocus>(*m_front);
     m_hotkey = std::make_unique<X11Hotkey>(m_front->root());

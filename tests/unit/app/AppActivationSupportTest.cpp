@@ -62,6 +62,9 @@ private slots:
     void deactivationSignalsBeforeItRestores();
     void aDeactivateEventInAnotherProcesssFavourDeactivatesWithTheNormalPeriod();
     void aDeactivateEventWhileWeAreInFrontIsIgnored();
+    void aLossToldByThePlatformDeactivatesWithTheNormalPeriod();
+    void anActivationThatNeverTookIsLeftToTheConfirmation();
+    void comingForwardInVainAfterTheConfirmationDeactivatesAccelerated();
     void otherEventsAreIgnoredAndNoneIsConsumed();
     void withoutAnEventTheConfirmationDeactivatesAcceleratedAfterSevenSeconds();
     void theConfirmationKeepsAnActivationThatTook();
@@ -233,6 +236,39 @@ void AppActivationSupportTest::aDeactivateEventWhileWeAreInFrontIsIgnored()
     Bench::tellDeactivated();
     QVERIFY(bench.activation.isAppActive());
     QCOMPARE(bench.desktop.frontQuestions, 1);
+}
+
+void AppActivationSupportTest::aLossToldByThePlatformDeactivatesWithTheNormalPeriod()
+{
+    Bench bench;
+    bench.activation.activateApp();
+    bench.desktop.sayNotInFront(FrontLoss::Lost);
+    QVERIFY(!bench.activation.isAppActive());
+    QCOMPARE(bench.desktop.restores, 0);
+    QCOMPARE(bench.activation.activationTimerInterval(), 30 * minute);
+}
+
+void AppActivationSupportTest::anActivationThatNeverTookIsLeftToTheConfirmation()
+{
+    Bench bench;
+    bench.activation.activateApp();
+    bench.desktop.sayNotInFront(FrontLoss::NeverCame);
+    QVERIFY(bench.activation.isAppActive());
+    QVERIFY(bench.confirmation()->isActive());
+    bench.activation.confirmAppActivation();
+    QVERIFY(!bench.activation.isAppActive());
+    QCOMPARE(bench.activation.activationTimerInterval(), 2 * minute);
+}
+
+void AppActivationSupportTest::comingForwardInVainAfterTheConfirmationDeactivatesAccelerated()
+{
+    Bench bench;
+    bench.activation.activateApp();
+    bench.confirmation()->stop();
+    bench.desktop.sayNotInFront(FrontLoss::NeverCame);
+    QVERIFY(!bench.activation.isAppActive());
+    QCOMPARE(bench.desktop.restores, 0);
+    QCOMPARE(bench.activation.activationTimerInterval(), 2 * minute);
 }
 
 void AppActivationSupportTest::otherEventsAreIgnoredAndNoneIsConsumed()

@@ -8,22 +8,18 @@ namespace
 
 constexpr int comingTimeMs = SettlingFront::comingTimeMs;
 
-/// Counts what the application object is told about losing the front.
+/// Counts what is told about not being in front.
 class Losses : public QObject
 {
 public:
-    Losses() { QCoreApplication::instance()->installEventFilter(this); }
+    explicit Losses(const SettlingFront &front)
+    {
+        connect(&front, &SettlingFront::notInFront, this,
+                [this](FrontLoss reason) { ++(reason == FrontLoss::Lost ? count : inVain); });
+    }
 
     int count = 0;
-
-private:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (watched == QCoreApplication::instance()
-            && event->type() == QEvent::ApplicationDeactivate)
-            ++count;
-        return false;
-    }
+    int inVain = 0; ///< Coming forward that nothing became of.
 };
 
 } // namespace
@@ -44,6 +40,7 @@ private slots:
     void aLossSoonAfterComingForwardIsTold();
     void comingForwardInVainEndsInTime();
     void comingForwardInVainIsToldToWhoWasPutOff();
+    void otherProgramsTurnsWhileComingForwardAreNoLoss();
     void whatTheUserDoesMeanwhileIsNoReasonToGiveUpComingForward();
     void whoCameForwardLosesTheFrontAsUsual();
 
@@ -64,8 +61,8 @@ void SettlingFrontTest::whoNeverWasInFrontIsNot()
 
 void SettlingFrontTest::aMomentWithoutAnybodyInFrontIsNoLoss()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true;
     QVERIFY(front.areWeInFront());
     m_inFront = false;
@@ -78,8 +75,8 @@ void SettlingFrontTest::aMomentWithoutAnybodyInFrontIsNoLoss()
 
 void SettlingFrontTest::aLossThatLastsIsToldOnce()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true;
     QVERIFY(front.areWeInFront());
     m_inFront = false;
@@ -92,8 +89,8 @@ void SettlingFrontTest::aLossThatLastsIsToldOnce()
 
 void SettlingFrontTest::aLossIsToldAtOnceWhenTheUserActsOnIt()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true;
     QVERIFY(front.areWeInFront());
     front.settleNow();
@@ -109,8 +106,8 @@ void SettlingFrontTest::aLossIsToldAtOnceWhenTheUserActsOnIt()
 
 void SettlingFrontTest::anotherWindowsTurnBeginsThePatienceAnew()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true;
     front.frontChanged();
     m_inFront = false;
@@ -124,8 +121,8 @@ void SettlingFrontTest::anotherWindowsTurnBeginsThePatienceAnew()
 
 void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     front.expectToComeForward();
     QVERIFY(front.areWeInFront()); // a splash screen has just closed, and nobody is in front
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
@@ -136,8 +133,8 @@ void SettlingFrontTest::comingForwardSurvivesTheWindowsThatClose()
 
 void SettlingFrontTest::comingForwardOutOfAWindowThatClosesIsNoLoss()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true; // a splash screen has the keyboard
     front.expectToComeForward();
     QVERIFY(front.areWeInFront());
@@ -152,8 +149,8 @@ void SettlingFrontTest::comingForwardOutOfAWindowThatClosesIsNoLoss()
 
 void SettlingFrontTest::aLossSoonAfterComingForwardIsTold()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     m_inFront = true;
     front.expectToComeForward();
     m_inFront = false;
@@ -171,20 +168,33 @@ void SettlingFrontTest::comingForwardInVainEndsInTime()
 
 void SettlingFrontTest::comingForwardInVainIsToldToWhoWasPutOff()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     front.expectToComeForward();
     QVERIFY(front.areWeInFront()); // on trust
-    QTRY_COMPARE_WITH_TIMEOUT(losses.count, 1, 2 * comingTimeMs);
+    QTRY_COMPARE_WITH_TIMEOUT(losses.inVain, 1, 2 * comingTimeMs);
     QVERIFY(!front.areWeInFront());
     QTest::qWait(2 * SettlingFront::settlingTimeMs);
-    QCOMPARE(losses.count, 1);
+    QCOMPARE(losses.inVain, 1);
+    QCOMPARE(losses.count, 0);
+}
+
+void SettlingFrontTest::otherProgramsTurnsWhileComingForwardAreNoLoss()
+{
+    SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
+    front.expectToComeForward();
+    for (int turn = 0; turn < 3; ++turn)
+        front.frontChanged();
+    QVERIFY(front.areWeInFront()); // on trust
+    QTRY_COMPARE_WITH_TIMEOUT(losses.inVain, 1, 2 * comingTimeMs);
+    QCOMPARE(losses.count, 0);
 }
 
 void SettlingFrontTest::whatTheUserDoesMeanwhileIsNoReasonToGiveUpComingForward()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     front.expectToComeForward();
     QVERIFY(front.areWeInFront());
     front.settleNow();
@@ -194,8 +204,8 @@ void SettlingFrontTest::whatTheUserDoesMeanwhileIsNoReasonToGiveUpComingForward(
 
 void SettlingFrontTest::whoCameForwardLosesTheFrontAsUsual()
 {
-    const Losses losses;
     SettlingFront front([this] { return m_inFront; });
+    const Losses losses(front);
     front.expectToComeForward();
     m_inFront = true;
     QVERIFY(front.areWeInFront());
