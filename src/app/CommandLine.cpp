@@ -2,6 +2,7 @@
 #include "app/CommandLine.h"
 
 #include "app/activation/InstanceClient.h"
+#include "shared/Identity.h"
 #include "shared/Version.h"
 
 #include <QCommandLineParser>
@@ -37,7 +38,7 @@ QCommandLineOption toggleOption()
 
 void describe(QCommandLineParser &parser)
 {
-    QCoreApplication::setApplicationName(QStringLiteral("Brindle"));
+    setApplicationIdentity();
     QCoreApplication::setApplicationVersion(Version::text());
     parser.setApplicationDescription(
         QCoreApplication::translate("CommandLine", "A keyboard-driven task tracker."));

@@ -2,6 +2,7 @@
 #include "app/AppLifecycle.h"
 #include "app/Application.h"
 #include "app/CommandLine.h"
+#include "app/EnvironmentVariable.h"
 #include "platform/NativeSupport.h"
 #include "store/DiskStore.h"
 
@@ -16,6 +17,7 @@ int main(int argc, char **argv)
     if (const std::optional<int> status = CommandLine::handOverToRunningCopy(argc, argv))
         return *status;
 
+    const EnvironmentVariable platform("QT_QPA_PLATFORM");
     // Never deleted: the desktop may call it until the process ends.
     NativeSupport *nativeSupport = NativeSupport::create().release();
     if (!NativeSupport::hasDisplay()) {
@@ -28,6 +30,8 @@ int main(int argc, char **argv)
     qRegisterMetaType<DiskStore::FileException>("DiskStore::FileException");
 
     Application app(argc, argv);
+    // Programs that links start make their own choice.
+    platform.restore();
     const CommandLine::Arguments arguments = CommandLine::arguments();
     AppLifecycle lifecycle(&app, nativeSupport, arguments.files);
     // A copy that has just been started beside this one is told the same as one that ran already.

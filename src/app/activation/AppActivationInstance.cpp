@@ -57,34 +57,50 @@ void AppActivationSupport::askNoQuestions(const InstanceRequest &request)
 
 bool AppActivationSupport::checkForOtherInstances()
 {
-    bool mayServe = m_endpoint.claim();
-    RunningInstance running(m_endpoint.socketPath(),
-                            m_unaskedRequest ? InstanceClient::patienceMs
-                                             : RunningInstance::waitMs);
+    const int patienceMs = m_unaskedRequest ? InstanceClient::patienceMs : RunningInstance::waitMs;
     const QDeadlineTimer deadline(serverStartMs);
     while (true) {
+        const bool mayServe = m_endpoint.claim();
+        RunningInstance running(m_endpoint.socketPaths(), patienceMs);
         if (running.connect())
             return talkToRunningInstance(running);
-        if (mayServe || deadline.hasExpired())
-            break;
+        if (!m_endpoint.problem().isEmpty())
+            endWithoutLock();
+        if (mayServe)
+            return takeOver(running);
+        if (deadline.hasExpired()) {
+            reportFailedLook();
+            return true;
+        }
         QThread::msleep(retryPauseMs); // the other copy is still starting, or just ending
-        mayServe = m_endpoint.claim();
     }
-    if (!mayServe || running.error() == QLocalSocket::UnknownSocketError) {
+}
+
+bool AppActivationSupport::takeOver(const RunningInstance &gone)
+{
+    if (gone.error() == QLocalSocket::UnknownSocketError) {
         reportFailedLook();
         return true;
     }
-    if (running.error() == QLocalSocket::ServerNotFoundError) {
+    if (gone.error() == QLocalSocket::ServerNotFoundError) {
         qCDebug(instanceLog) << "no existing instance found";
     } else {
         qCDebug(instanceLog).noquote() << u"couldn't connect to existing instance ("_s
-                + running.errorText() + u"); removing it"_s;
+                + gone.errorText() + u"); removing it"_s;
         if (!QLocalServer::removeServer(m_endpoint.socketPath())) {
             qCDebug(instanceLog) << "couldn't remove bad server. giving up";
             throw "couldn't remove bad server. giving up";
         }
     }
     return startInstanceServer();
+}
+
+void AppActivationSupport::endWithoutLock()
+{
+    qWarning().noquote() << m_endpoint.problem();
+    if (!m_unaskedRequest)
+        QMessageBox::critical(nullptr, tr("Error"), m_endpoint.problem(), QMessageBox::Ok);
+    throw "there is no lock against other copies to be had";
 }
 
 void AppActivationSupport::reportFailedLook()

@@ -43,7 +43,7 @@ Answer answerForLess(InstanceRequest::Kind wanted)
 
 InstanceClient::Answer InstanceClient::handOver(const InstanceRequest &request)
 {
-    RunningInstance running(InstanceEndpoint().socketPath(), patienceMs);
+    RunningInstance running(InstanceEndpoint().socketPaths(), patienceMs);
     if (!running.connect())
         return {Outcome::NobodyRuns, nullptr};
     return handOver(running, request);
@@ -66,6 +66,7 @@ InstanceClient::Answer InstanceClient::handOver(RunningInstance &running,
         if (answer == BusInstance::Answer::None)
             return noAnswer;
     }
-    running.send(RunningInstance::Message::Activation);
+    if (!running.send(RunningInstance::Message::Activation))
+        return noAnswer;
     return answerForLess(request.kind);
 }

@@ -5,22 +5,26 @@
 
 #include <QDataStream>
 #include <QDeadlineTimer>
+#include <algorithm>
+#include <utility>
 
 namespace
 {
 constexpr qint64 versionSize = 2 * sizeof(qint32);
 }
 
-RunningInstance::RunningInstance(QString socketPath, int patienceMs)
-    : m_socketPath(std::move(socketPath))
+RunningInstance::RunningInstance(QStringList socketPaths, int patienceMs)
+    : m_socketPaths(std::move(socketPaths))
     , m_patienceMs(patienceMs)
 {
 }
 
 bool RunningInstance::connect()
 {
-    m_socket.connectToServer(m_socketPath, QIODevice::ReadWrite);
-    return m_socket.waitForConnected(waitMs);
+    return std::any_of(m_socketPaths.begin(), m_socketPaths.end(), [this](const QString &path) {
+        m_socket.connectToServer(path, QIODevice::ReadWrite);
+        return m_socket.waitForConnected(waitMs);
+    });
 }
 
 RunningInstance::VersionNumbers RunningInstance::askVersion()
@@ -41,8 +45,9 @@ RunningInstance::VersionNumbers RunningInstance::askVersion()
     return version;
 }
 
-void RunningInstance::send(Message message)
+bool RunningInstance::send(Message message)
 {
     QDataStream(&m_socket) << static_cast<qint32>(message);
-    m_socket.waitForBytesWritten(waitMs);
+    while (m_socket.bytesToWrite() > 0 && m_socket.waitForBytesWritten(waitMs)) { }
+    return m_socket.bytesToWrite() == 0 && m_socket.state() == QLocalSocket::ConnectedState;
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QLocalSocket>
-#include <QString>
+#include <QStringList>
 
 /// The running copy, as another copy talks to it over its socket. Blocks, and needs no event loop.
 class RunningInstance
@@ -16,9 +16,11 @@ public:
 
     static constexpr int waitMs = 1000;
 
-    /// \a patienceMs is how long the copy may take to answer.
-    explicit RunningInstance(QString socketPath, int patienceMs = waitMs);
+    /// \a socketPaths is where the copy may be listening, \a patienceMs how long it may take to
+    /// answer.
+    explicit RunningInstance(QStringList socketPaths, int patienceMs = waitMs);
 
+    /// Tries one path after the other.
     bool connect();
     /// Why the last connect() failed.
     QLocalSocket::LocalSocketError error() const { return m_socket.error(); }
@@ -26,10 +28,11 @@ public:
 
     /// \throws const char* when the copy doesn't answer.
     VersionNumbers askVersion();
-    void send(Message message);
+    /// \return whether the whole message is on its way to the copy.
+    bool send(Message message);
 
 private:
-    QString m_socketPath;
+    QStringList m_socketPaths;
     int m_patienceMs;
     QLocalSocket m_socket;
 };

@@ -3,6 +3,7 @@
 
 #include "InstanceCopy.h"
 #include "PrivateBus.h"
+#include "app/activation/RunningInstance.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -61,6 +62,8 @@ private slots:
     void aTokenWithoutABusStillBringsForward();
     void aCopyThatNeverAnswersIsAFailure();
     void aCopyThatTakesItsTimeIsWaitedFor();
+    void aCopyInAnotherRuntimeFolderIsReached();
+    void aMessageThatDoesNotArriveIsNoSuccess();
 
     void aStartThatFindsARunningCopyHandsOverWithoutAQuestion_data();
     void aStartThatFindsARunningCopyHandsOverWithoutAQuestion();
@@ -158,6 +161,33 @@ void InstanceClientTest::aCopyThatTakesItsTimeIsWaitedFor()
     });
     QCOMPARE(InstanceClient::handOver({}).outcome, Outcome::Done);
     QCOMPARE(running.received(), numbers({1, 2}));
+}
+
+void InstanceClientTest::aCopyInAnotherRuntimeFolderIsReached()
+{
+    const Copy copy;
+    InstanceEndpoint first;
+    QVERIFY(first.claim());
+    ScriptedServer running(copy.path, answersVersion(0, 3));
+    const RuntimeFolder another;
+    QCOMPARE(InstanceClient::handOver({}).outcome, Outcome::Done);
+    QCOMPARE(running.received(), numbers({1, 2}));
+}
+
+void InstanceClientTest::aMessageThatDoesNotArriveIsNoSuccess()
+{
+    const Copy copy;
+    QSemaphore hungUp;
+    ScriptedServer running(copy.path, [&hungUp](QLocalSocket &client) {
+        answersVersion(0, 3)(client);
+        client.abort();
+        hungUp.release();
+    });
+    RunningInstance instance({copy.path});
+    QVERIFY(instance.connect());
+    QCOMPARE(instance.askVersion().minor, 3);
+    hungUp.acquire();
+    QVERIFY(!instance.send(RunningInstance::Message::Activation));
 }
 
 void InstanceClientTest::aStartThatFindsARunningCopyHandsOverWithoutAQuestion_data()

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QtTest>
+#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -39,6 +40,41 @@ bool leaveStaleEndpoint(const QString &path)
     return made && QFile::exists(path);
 }
 
+QString makeFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("%s can't be made", qPrintable(path));
+    return path;
+}
+
+/// No usable runtime folder: neither the one that the environment names nor the toolkit's own way
+/// out of that, in the folder for temporary files.
+class NoRuntimeFolder
+{
+public:
+    explicit NoRuntimeFolder(const QString &named)
+        : m_temporary(qgetenv("TMPDIR"))
+        , m_runtime(qgetenv("XDG_RUNTIME_DIR"))
+    {
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(named));
+        makeFile(m_folder.filePath(u"runtime-"_s
+                                   + QString::fromLocal8Bit(::getpwuid(::geteuid())->pw_name)));
+        qputenv("TMPDIR", QFile::encodeName(m_folder.path()));
+    }
+    ~NoRuntimeFolder()
+    {
+        qputenv("TMPDIR", m_temporary);
+        qputenv("XDG_RUNTIME_DIR", m_runtime);
+    }
+    Q_DISABLE_COPY_MOVE(NoRuntimeFolder)
+
+private:
+    QTemporaryDir m_folder;
+    QByteArray m_temporary;
+    QByteArray m_runtime;
+};
+
 } // namespace
 
 class SingleInstanceTest : public QObject
@@ -68,6 +104,16 @@ private slots:
     void aCopyThatHoldsTheLockButIsNotListeningYetIsWaitedFor();
     void aCopyThatHoldsTheLockAndNeverListensGivesTheErrorBox();
     void aSecondCopyNeverTakesOverTheNameOfALivingServer();
+
+    // One owner of the settings, whatever the runtime folder.
+    void aCopyWithAnotherRuntimeFolderFindsTheFirst_data();
+    void aCopyWithAnotherRuntimeFolderFindsTheFirst();
+    void aCopyThatCannotReachTheOwnerGivesTheErrorBoxAndServesNobody();
+    void withoutAUsableRuntimeFolderNobodyServes_data();
+    void withoutAUsableRuntimeFolderNobodyServes();
+    void withoutALockBesideTheSettingsNobodyServes();
+    void whoDoesNotBecomeTheServerLeavesTheSettingsToOthers();
+    void theOwnersLockIsFreeAgainAfterItsEnd();
 };
 
 void SingleInstanceTest::withoutAnotherCopyItBecomesTheServerWithoutAQuestion()
@@ -339,6 +385,110 @@ void SingleInstanceTest::aSecondCopyNeverTakesOverTheNameOfALivingServer()
     QVERIFY(send(*client, numbers({2})));
     QTRY_COMPARE(first.changes.count(), 1);
     QVERIFY(!second.isAppActive());
+}
+
+void SingleInstanceTest::aCopyWithAnotherRuntimeFolderFindsTheFirst_data()
+{
+    QTest::addColumn<bool>("usable");
+    QTest::newRow("another folder") << true;
+    QTest::newRow("no usable folder") << false;
+}
+
+void SingleInstanceTest::aCopyWithAnotherRuntimeFolderFindsTheFirst()
+{
+    QFETCH(bool, usable);
+    const Copy copy;
+    InstanceEndpoint first;
+    QVERIFY(first.claim());
+    ScriptedServer running(copy.path, answersVersion(0, 3));
+    const RuntimeFolder another;
+    std::unique_ptr<NoRuntimeFolder> none;
+    if (!usable)
+        none = std::make_unique<NoRuntimeFolder>(makeFile(another.path() + u"/no folder"_s));
+    RecordingNativeSupport desktop;
+    AppActivationSupport second(&desktop);
+    const BoxUser user(u"Activate existing instance"_s);
+    QVERIFY(second.checkForOtherInstances());
+    QCOMPARE(user.seen.size(), 1);
+    QCOMPARE(running.received(), numbers({1, 2}));
+}
+
+void SingleInstanceTest::aCopyThatCannotReachTheOwnerGivesTheErrorBoxAndServesNobody()
+{
+    const Copy copy;
+    InstanceEndpoint first; // in a container, its socket is out of sight
+    QVERIFY(first.claim());
+    const RuntimeFolder another;
+    RecordingNativeSupport desktop;
+    AppActivationSupport second(&desktop);
+    const BoxUser user(u"OK"_s);
+    QVERIFY(second.checkForOtherInstances());
+    QCOMPARE(user.seen.size(), 1);
+    QCOMPARE(user.seen.first().title, u"Error"_s);
+    QVERIFY(askVersion(InstanceEndpoint().socketPath()).isEmpty());
+}
+
+void SingleInstanceTest::withoutAUsableRuntimeFolderNobodyServes_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("a file") << u"file"_s;
+    QTest::newRow("one that can't be made") << u"file/below"_s;
+}
+
+void SingleInstanceTest::withoutAUsableRuntimeFolderNobodyServes()
+{
+    QFETCH(QString, folder);
+    Copy copy;
+    makeFile(copy.runtime.path() + u"/file"_s);
+    auto none = std::make_unique<NoRuntimeFolder>(copy.runtime.path() + u'/' + folder);
+    copy.activation = std::make_unique<AppActivationSupport>(&copy.desktop);
+    const BoxUser user(u"OK"_s);
+    QCOMPARE(thrownBy(*copy.activation), u"there is no lock against other copies to be had"_s);
+    QCOMPARE(user.seen.size(), 1);
+    QCOMPARE(user.seen.first().title, u"Error"_s);
+    QVERIFY2(user.seen.first().text.startsWith(u"Brindle can't make sure that no other copy"_s),
+             qPrintable(user.seen.first().text));
+    QVERIFY(!QFile::exists(u"/example.osterlane.Brindle"_s));
+    // Nor does it keep one with a good folder from serving.
+    none.reset();
+    QVERIFY(InstanceEndpoint().claim());
+}
+
+void SingleInstanceTest::withoutALockBesideTheSettingsNobodyServes()
+{
+    const Copy copy;
+    const QString lock = QFileInfo(QSettings().fileName()).path() + u"/Brindle.running"_s;
+    QVERIFY(QDir().mkpath(lock)); // a folder can't be locked for writing
+    const BoxUser user(u"OK"_s);
+    QCOMPARE(thrownBy(*copy.activation), u"there is no lock against other copies to be had"_s);
+    QCOMPARE(user.seen.size(), 1);
+    QVERIFY2(user.seen.first().text.contains(u"Brindle.running"_s),
+             qPrintable(user.seen.first().text));
+    QVERIFY(askVersion(copy.path).isEmpty());
+}
+
+void SingleInstanceTest::whoDoesNotBecomeTheServerLeavesTheSettingsToOthers()
+{
+    const Copy copy;
+    InstanceEndpoint ofOtherSettings;
+    QVERIFY(ofOtherSettings.claim());
+    const TestSettings settings; // from now on; the runtime folder stays the same
+    InstanceEndpoint second;
+    QVERIFY(!second.claim());
+    QVERIFY(second.problem().isEmpty());
+    const RuntimeFolder another;
+    QVERIFY(InstanceEndpoint().claim());
+}
+
+void SingleInstanceTest::theOwnersLockIsFreeAgainAfterItsEnd()
+{
+    const Copy copy;
+    {
+        InstanceEndpoint first;
+        QVERIFY(first.claim());
+        QVERIFY(!InstanceEndpoint().claim());
+    }
+    QVERIFY(InstanceEndpoint().claim());
 }
 
 QTEST_MAIN(SingleInstanceTest)
