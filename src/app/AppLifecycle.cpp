@@ -9,6 +9,7 @@
 #include "model/TodoListModel.h"
 #include "platform/DisplayLoss.h"
 #include "platform/NativeSupport.h"
+#include "shared/Identity.h"
 #include "shared/Maker.h"
 #include "shared/ProgramEnd.h"
 #include "shared/TextGuard.h"
@@ -60,7 +61,15 @@ AppLifecycle::~AppLifecycle() = default;
 
 bool AppLifecycle::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != m_app || event->type() != QEvent::FileOpen)
+    if (watched != m_app)
+        return false;
+    if (event->type() == QEvent::Quit) {
+        // The toolkit would ask the windows, and the main window refuses to close; a session
+        // manager would then go on without us.
+        saveAndEnd();
+        return true;
+    }
+    if (event->type() != QEvent::FileOpen || m_startupDone)
         return false;
     const QString file = static_cast<QFileOpenEvent *>(event)->file();
     if (file.isEmpty()) // an address on the net, perhaps
@@ -83,7 +92,6 @@ void AppLifecycle::startup()
         return;
     connectComponents();
     connect(m_app, &QCoreApplication::aboutToQuit, this, &AppLifecycle::shutdown);
-    m_app->removeEventFilter(this);
     openFilesFromCommandLine();
     m_startupDone = true;
     if (m_splashDone)
@@ -107,9 +115,7 @@ bool AppLifecycle::becomeTheOneInstance()
 
 void AppLifecycle::setIdentity()
 {
-    QCoreApplication::setOrganizationName(u"Osterlane"_s);
-    QCoreApplication::setOrganizationDomain(QString::fromLatin1(Maker::domain));
-    QCoreApplication::setApplicationName(u"Brindle"_s);
+    setApplicationIdentity();
     QApplication::setWindowIcon(QIcon(u":/images/brindle.png"_s));
     // How a compositor finds the program's .desktop file; it is asked with the first window.
     QGuiApplication::setDesktopFileName(QString::fromLatin1(Maker::applicationId));
@@ -220,8 +226,7 @@ void AppLifecycle::connectComponents()
 void AppLifecycle::connectActivation()
 {
     AppActivationSupport *activation = m_activationSupport.get();
-    connect(activation, &AppActivationSupport::requestTermination, this,
-            &AppLifecycle::exitOnceNothingIsAsked);
+    connect(activation, &AppActivationSupport::requestTermination, this, &AppLifecycle::askToExit);
     connect(activation, &AppActivationSupport::requestOpenFiles, this,
             [this](const QStringList &files) {
                 m_filesToOpen += files;
@@ -405,6 +410,13 @@ void AppLifecycle::shutdown()
     m_activationSupport.reset();
 }
 
+// However often another copy asks while this one is busy with it, the user is asked once.
+void AppLifecycle::askToExit()
+{
+    if (!std::exchange(m_askedToExit, true))
+        exitOnceNothingIsAsked();
+}
+
 void AppLifecycle::exitOnceNothingIsAsked()
 {
     // What a box asks about would no longer hold; the other copy's request waits for the answer.
@@ -412,6 +424,7 @@ void AppLifecycle::exitOnceNothingIsAsked()
         QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::exitOnceNothingIsAsked);
         return;
     }
+    const auto answered = qScopeGuard([this] { m_askedToExit = false; });
     guardAgainstTexts(lcApp(), "exitApplication", [this] { m_commandFilter->exitApplication(); });
 }
 
@@ -423,7 +436,7 @@ void AppLifecycle::saveAndEnd()
 
 bool AppLifecycle::saveEverything()
 {
-    if (!m_fileManager)
+    if (!m_fileManager || !m_hierarchyModel) // nothing has been typed yet, or all is closed
         return true;
     QObject errorContext;
     for (int index = 0; index < m_fileManager->getFileCount(); ++index) {

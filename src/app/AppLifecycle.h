@@ -34,7 +34,8 @@ public:
     /// A running copy gets the files, or just comes forward, without the user being asked.
     void askNoQuestions() { m_asksQuestions = false; }
 
-    /// Until start-up has opened its files: one that a Mac names by an event is among them.
+    /// The desktop's word that the program is to end, which must cost nobody's work; and until
+    /// start-up has opened its files, one that a Mac names by an event is among them.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public slots:
@@ -64,6 +65,7 @@ private:
     void goToRootOf(const QString &path);
     void comeForwardAgain();
     void endAfterError(const char *text);
+    void askToExit();
     void exitOnceNothingIsAsked();
     void saveAndEnd();
     bool saveEverything();
@@ -84,6 +86,7 @@ private:
     int m_splashState = -1;
     bool m_splashDone = false;
     bool m_startupDone = false;
+    bool m_askedToExit = false;
     QStringList m_filesToOpen;
     bool m_asksQuestions = true;
 };

@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "app/AppLifecycle.h"
 
+#include "InstancePeers.h"
 #include "RunningProgram.h"
+#include "app/activation/InstanceEndpoint.h"
 #include "model/TodoListModel.h"
+#include "shared/TextHelpers.h"
 #include "ui/FindWindow.h"
 #include "ui/TodoListWindow.h"
 
 #include <QFileOpenEvent>
 #include <QListView>
+#include <QLocalSocket>
 #include <QSplashScreen>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
+using InstancePeers::BoxUser;
 
 namespace
 {
@@ -58,6 +63,13 @@ private slots:
     void aFileNamedByAnEventBeforeStartUpIsOpened();
     void anAddressBeforeStartUpIsNoFile();
     void startUpTakesNoFilesLater();
+    void theSplashTextsFollowEachOther();
+    void aSplashEndedBeforeStartUpIsDoneShowsTheMainWindowAtItsEnd();
+    void anotherCopysWishToTerminateReachesTheQuestion();
+    void wishesToTerminateDuringABoxGiveOneQuestion();
+    // Once the event loop has been ended the toolkit lets no box run, so these come last.
+    void theDesktopsQuitDuringStartUpDoesNoHarm();
+    void theDesktopsQuitSavesTheTypedText();
 };
 
 void AppLifecycleTest::settingsHoldingAppstartedLoseThatKey()
@@ -215,6 +227,104 @@ void AppLifecycleTest::startUpTakesNoFilesLater()
     program.start();
     QFileOpenEvent event(program.settings.filePath(u"b.bdl"_s));
     QVERIFY(!QCoreApplication::sendEvent(qApp, &event)); // left to whoever serves the desktop
+}
+
+void AppLifecycleTest::theDesktopsQuitSavesTheTypedText()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    RunningProgram::editor()->setPlainText(u"typed"_s);
+    // The loop ends by it, although the main window never closes.
+    QTimer::singleShot(0, qApp, [] {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    const BoxUser nobody(u"Cancel"_s);
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QVERIFY(nobody.seen.isEmpty());
+    program.lifecycle->shutdown();
+    DiskStore store(program.settings.filePath(u"a.bdl"_s));
+    QCOMPARE(store.getRootExcerpt(), u"typed"_s);
+}
+
+void AppLifecycleTest::theDesktopsQuitDuringStartUpDoesNoHarm()
+{
+    RunningProgram program;
+    program.lifecycle = std::make_unique<AppLifecycle>(qApp, &program.native, QStringList());
+    QEvent quit(QEvent::Quit);
+    QVERIFY(QCoreApplication::sendEvent(qApp, &quit));
+    program.lifecycle->startup();
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"a.bdl"_s);
+}
+
+void AppLifecycleTest::theSplashTextsFollowEachOther()
+{
+    RunningProgram program;
+    program.start();
+    auto *splash = RunningProgram::window<QSplashScreen>();
+    QStringList texts;
+    connect(splash, &QSplashScreen::messageChanged, this,
+            [&texts](const QString &text) { texts.append(text); });
+    for (int step = 0; step < 3; ++step)
+        program.lifecycle->nextSplashScreenState();
+    QCOMPARE(texts,
+             (QStringList{u"Brindle, v0.3"_s, Global::getCopyrightString(false),
+                          u"press Ctrl+/ for help"_s}));
+    QVERIFY(splash->isVisible());
+    program.lifecycle->nextSplashScreenState();
+    QTRY_VERIFY(!splash->isVisible());
+    QVERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
+}
+
+void AppLifecycleTest::aSplashEndedBeforeStartUpIsDoneShowsTheMainWindowAtItsEnd()
+{
+    RunningProgram program;
+    program.lifecycle = std::make_unique<AppLifecycle>(qApp, &program.native, QStringList());
+    program.lifecycle->stopSplashScreen(); // clicked away while start-up asks something
+    program.lifecycle->startup();
+    QVERIFY(RunningProgram::window<HierarchyWindow>()->isVisible());
+    QVERIFY(!RunningProgram::window<QSplashScreen>()->isVisible());
+}
+
+void AppLifecycleTest::anotherCopysWishToTerminateReachesTheQuestion()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    RunningProgram::editor()->setPlainText(u"typed"_s);
+    const BoxUser user(u"Cancel"_s);
+    QLocalSocket other;
+    other.connectToServer(InstanceEndpoint().socketPath());
+    QVERIFY(InstancePeers::send(other, InstancePeers::numbers({3})));
+    QTRY_COMPARE(user.seen.size(), 1);
+    QCOMPARE(user.seen.first().title, u"Save changes?"_s);
+    QCOMPARE(RunningProgram::editor()->toPlainText(), u"typed"_s);
+}
+
+void AppLifecycleTest::wishesToTerminateDuringABoxGiveOneQuestion()
+{
+    RunningProgram program;
+    program.start();
+    program.lifecycle->stopSplashScreen();
+    RunningProgram::editor()->setPlainText(u"typed"_s);
+    QDialog box; // of a kind that the user in this test doesn't answer
+    box.setModal(true);
+    box.show();
+    QLocalSocket other;
+    other.connectToServer(InstanceEndpoint().socketPath());
+    const BoxUser user(u"Cancel"_s);
+    for (int wish = 0; wish < 3; ++wish)
+        QVERIFY(InstancePeers::send(other, InstancePeers::numbers({3})));
+    QTest::qWait(600); // each of them has looked for the box by then
+    QVERIFY(user.seen.isEmpty());
+    box.hide();
+    QTRY_COMPARE(user.seen.size(), 1);
+    QTest::qWait(600);
+    QCOMPARE(user.seen.size(), 1);
+    // The next one is a wish of its own.
+    QVERIFY(InstancePeers::send(other, InstancePeers::numbers({3})));
+    QTRY_COMPARE(user.seen.size(), 2);
 }
 
 QTEST_MAIN(AppLifecycleTest)

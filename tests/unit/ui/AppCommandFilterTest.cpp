@@ -75,6 +75,7 @@ class AppCommandFilterTest : public QObject
 private slots:
     void hierarchyCommandPassesUntouchedAndReachesTheMainWindow();
     void typedTextAndOtherEventsPass();
+    void theModifiersHeldAtTheMomentCountNotTheEvents();
     void discardChangesRollsBackAllFiles();
     void discardWorksInAnyWindow();
     void exitWithNothingUnsavedEndsTheProgram();
@@ -129,6 +130,23 @@ void AppCommandFilterTest::typedTextAndOtherEventsPass()
     QVERIFY(!desk.filter->eventFilter(desk.window.get(), &release));
     QEvent other(QEvent::FocusIn);
     QVERIFY(!desk.filter->eventFilter(desk.window.get(), &other));
+}
+
+void AppCommandFilterTest::theModifiersHeldAtTheMomentCountNotTheEvents()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    QKeyEvent withControl(QEvent::KeyPress, Qt::Key_F, ctrl);
+    QVERIFY(!desk.filter->eventFilter(desk.window.get(), &withControl));
+    QVERIFY(!desk.findWindow->isVisible());
+    QTest::simulateEvent(desk.window->windowHandle(), true, Qt::Key_Control, ctrl, QString(),
+                         false);
+    QKeyEvent without(QEvent::KeyPress, Qt::Key_F, Qt::NoModifier);
+    QVERIFY(desk.filter->eventFilter(desk.window.get(), &without));
+    QVERIFY(desk.findWindow->isVisible());
+    QTest::simulateEvent(desk.window->windowHandle(), false, Qt::Key_Control, Qt::NoModifier,
+                         QString(), false);
 }
 
 void AppCommandFilterTest::discardChangesRollsBackAllFiles()

@@ -482,6 +482,8 @@ void HierarchyWindowTest::closingDeactivatesInsteadAndGivesTheFrontBack()
     QVERIFY(!desk.activation.isAppActive());
     QVERIFY(!desk.window->isVisible());
     QCOMPARE(desk.native.restores, 1);
+    // Closed on purpose, it doesn't come back before its time.
+    QCOMPARE(desk.activation.activationTimerInterval(), 30 * 60'000);
     desk.show();
     QVERIFY(desk.window->isVisible());
 }
@@ -493,6 +495,8 @@ void HierarchyWindowTest::rejectingDeactivatesInstead()
     desk.window->reject();
     QVERIFY(!desk.activation.isAppActive());
     QVERIFY(!desk.window->isVisible());
+    QCOMPARE(desk.native.restores, 1);
+    QCOMPARE(desk.activation.activationTimerInterval(), 30 * 60'000);
 }
 
 void HierarchyWindowTest::closeButtonClosesTheFile()
