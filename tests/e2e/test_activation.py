@@ -384,6 +384,29 @@ class Confirmation(ActivationTestCase):
         # One press brings the window: the program knows that it is not in front.
         brindle.bring_back()
 
+    def test_given_up_it_tries_again_soon_however_the_others_changed_places(self):
+        brindle = self.start_beside()
+        self.home.write_settings("[General]\nautomaticactivation=true\n"
+                                 "automaticactivationdelay=30\n\n"
+                                 f"[loadfiles]\n0={self.path}\n")
+        manager = self.desktop.window_manager
+        mark = brindle.log_mark()
+        manager.send_signal(signal.SIGSTOP)
+        try:
+            self.desktop.keys(HOTKEY)
+            started = time.monotonic()
+            # Other programs have the front in turn while ours waits for it.
+            for _ in range(3):
+                self.desktop.screen.claim_front(0)
+                self.desktop.screen.claim_front(self.other.window)
+                time.sleep(0.2)
+            brindle.wait_for_log("coming forward by itself", mark)
+            self.assertGreater(time.monotonic() - started, 6.5)
+        finally:
+            manager.send_signal(signal.SIGCONT)
+        self.assertIn("did not bring the application to the front", brindle.log()[mark:])
+        self.assertIn("coming forward by itself in 2 minutes", brindle.log()[mark:])
+
     def test_one_that_took_stays(self):
         brindle = self.start_beside()
         brindle.bring_back()

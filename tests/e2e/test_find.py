@@ -53,6 +53,21 @@ class Searching(FindTestCase):
         self.assertTrue(row.endswith(" ..."), row)
         self.assertEqual(len(row), 84)
 
+    def test_return_held_jumps_and_goes_no_further(self):
+        brindle = self.start_with_garden()
+        find = self.open_find(brindle)
+        brindle.write("spade")
+        find.expect(["Oil the {spade}"], "Oil the {spade}")
+        self.desktop.press("Return")
+        try:
+            brindle.expect_text("Oil the spade")
+            # The keyboard repeats the key some 25 times a second.
+            stays(brindle.is_shown, "the main window", 1.5)
+        finally:
+            self.desktop.release("Return")
+        brindle.wait_until_in_front()
+        brindle.save_and_hide()
+
     def test_a_malformed_query_gives_one_grey_row_that_cannot_be_taken(self):
         brindle = self.start_with_garden()
         find = self.open_find(brindle)

@@ -2,9 +2,11 @@
 """Only one copy owns the data files: what a second start says and does, with two real programs."""
 
 import os
+import pwd
 import signal
 
 from brindle_e2e import datafile
+from brindle_e2e.beside import BesideAnotherProgram
 from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.waiting import stays, wait_for
 
@@ -13,14 +15,10 @@ ACTIVATE = "Activate existing instance"
 SERVING = "starting server for this instance"
 
 
-class SecondStart(BrindleTestCase):
+class SecondStart(BesideAnotherProgram, BrindleTestCase):
     def start_first(self):
         """The first copy, stepped back behind another program."""
-        self.path = datafile.create(self.home.path("tasks.bdl"), "First")
-        first = self.start_with(self.path)
-        self.other = self.other_program()
-        first.wait_until_hidden()
-        return first
+        return self.start_beside("First")
 
     def check_question(self, second):
         """The one box of a second start; nothing else of it is on the screen."""
@@ -66,7 +64,7 @@ class SecondStart(BrindleTestCase):
         first.wait_for_main_window()
         first.keys("Escape")
         first.wait_until_hidden()
-        self.assertTrue(first.is_running())
+        self.other_has_keyboard("still here")
 
     def test_cancel_ends_only_the_second(self):
         first = self.start_first()
@@ -88,6 +86,22 @@ class SecondStart(BrindleTestCase):
                 self.assertIn("sending version information", first.log()[mark:])
                 self.assertNotIn("received", first.log()[mark:])
         first.bring_back()
+
+    def test_a_start_with_another_runtime_folder_or_none_finds_the_first(self):
+        first = self.start_first()
+        other = os.path.join(self.home.folder, "other-runtime")
+        os.mkdir(other, 0o700)
+        for name, folder in (("another", other), ("none", "")):
+            with self.subTest(runtime_folder=name):
+                before = self.home.settings_bytes()
+                second = self.launch(env={"XDG_RUNTIME_DIR": folder,
+                                          "TMPDIR": os.path.join(self.home.folder, "files")})
+                second.answer(self.check_question(second), ACTIVATE)
+                self.assertEqual(second.wait_for_exit(), 0)
+                first.wait_for_main_window()
+                self.assertEqual(self.home.settings_bytes(), before)
+                first.keys("Escape")
+                first.wait_until_hidden()
 
     def test_files_of_a_second_start_are_not_opened(self):
         first = self.start_first()
@@ -131,6 +145,22 @@ class NoOtherCopy(BrindleTestCase):
         second = self.launch()
         second.answer(second.wait_for_box(QUESTION), "Cancel")
         self.assertEqual(second.wait_for_exit(), 0)
+
+    def test_without_a_usable_runtime_folder_it_says_so_and_serves_nobody(self):
+        self.home.remember_files(datafile.create(self.home.path("tasks.bdl"), "First"))
+        before = self.home.settings_bytes()
+        # Somebody else was quicker to make the folder that is used when none is named.
+        user = pwd.getpwuid(os.geteuid()).pw_name
+        with open(self.home.path(f"runtime-{user}"), "w", encoding="utf-8"):
+            pass
+        copy = self.launch(env={"XDG_RUNTIME_DIR": "",
+                                "TMPDIR": os.path.join(self.home.folder, "files")})
+        box = copy.wait_for_box("Brindle can't make sure")
+        self.assertIn("XDG_RUNTIME_DIR", box.text)
+        copy.answer(box, "OK")
+        self.assertEqual(copy.wait_for_exit(), 1)
+        self.assertNotIn(SERVING, copy.log())
+        self.assertEqual(self.home.settings_bytes(), before)
 
     def test_after_an_ordinary_end_the_next_start_asks_nothing(self):
         first = self.start()

@@ -204,5 +204,6 @@ void AppActivationSupport::startActivationTimer(bool accelerateReactivation)
     int minutes = getAutomaticActivationPeriod();
     if (accelerateReactivation)
         minutes = std::min(minutes, acceleratedPeriodMinutes);
+    qCDebug(activationLog) << "coming forward by itself in" << minutes << "minutes";
     m_activationTimer.start(minutes * msPerMinute);
 }

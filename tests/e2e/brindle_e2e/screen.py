@@ -6,7 +6,7 @@ import os
 import struct
 import zlib
 
-from Xlib import X, Xutil, error
+from Xlib import X, Xatom, Xutil, error
 from Xlib.display import Display
 from Xlib.ext import xtest
 from Xlib.protocol import event as xevent
@@ -50,6 +50,12 @@ class Screen:
             yield count
         finally:
             display.close()
+
+    def claim_front(self, window_id):
+        """Says that this window has the front, as a window manager does."""
+        self._root.change_property(self._display.intern_atom("_NET_ACTIVE_WINDOW"),
+                                   Xatom.WINDOW, 32, [window_id])
+        self._display.sync()
 
     def windows(self):
         """Ids of the windows that the window manager looks after, oldest first."""
