@@ -259,6 +259,9 @@ class OtherProgramsOnTheFile(SavingTestCase):
         self.assertTrue(box.text.endswith(" This file has been closed."), box.text)
         self.assertIn(f"file path: {path}", box.details)
         self.assertIn("app version: 0.3", box.details)
+        # Nothing was saved, so nothing steps back: the message stands in front of the window.
+        self.assertTrue(brindle.is_shown())
+        self.assertEqual(self.desktop.screen.active_pid(), brindle.pid)
         brindle.answer(box, "OK")
         wait_for(lambda: not self.home.loaded_files(), "the file gone from the settings")
         self.assertEqual(datafile.texts(path), {"From elsewhere"})
