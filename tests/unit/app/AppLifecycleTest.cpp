@@ -316,11 +316,13 @@ void AppLifecycleTest::wishesToTerminateDuringABoxGiveOneQuestion()
     const BoxUser user(u"Cancel"_s);
     for (int wish = 0; wish < 3; ++wish)
         QVERIFY(InstancePeers::send(other, InstancePeers::numbers({3})));
-    QTest::qWait(600); // each of them has looked for the box by then
+    // The answer to this comes after them.
+    QCOMPARE(InstancePeers::askVersion(InstanceEndpoint().socketPath()),
+             InstancePeers::numbers({0, 3}));
     QVERIFY(user.seen.isEmpty());
     box.hide();
     QTRY_COMPARE(user.seen.size(), 1);
-    QTest::qWait(600);
+    QTest::qWait(400); // time for another look
     QCOMPARE(user.seen.size(), 1);
     // The next one is a wish of its own.
     QVERIFY(InstancePeers::send(other, InstancePeers::numbers({3})));

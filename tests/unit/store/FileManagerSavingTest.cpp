@@ -322,11 +322,16 @@ void FileManagerSavingTest::closingTheLastFileEndsTheUnsavedTime()
 {
     Desk desk(1);
     desk.change(0, u"a"_s);
+    bool endedWhenItWasTold = false;
+    QObject context;
+    QObject::connect(&desk.files, &FileManager::fileUnloaded, &context,
+                     [&] { endedWhenItWasTold = desk.files.unsavedSince().isNull(); });
     {
         const BoxAnswers boxes({QMessageBox::Discard});
         desk.files.unloadFile(0, false);
         QCOMPARE(boxes.seen().size(), 1);
     }
+    QVERIFY(endedWhenItWasTold);
     QVERIFY(desk.files.unsavedSince().isNull());
     const BoxAnswers boxes;
     QVERIFY(quits(desk));

@@ -89,6 +89,8 @@ private slots:
     void heldEnterInAListJumpsAndGoesNoFurther();
     void heldEscapeInADialogHidesItAndGoesNoFurther_data();
     void heldEscapeInADialogHidesItAndGoesNoFurther();
+    void aCommandEndsTheWaitForAShortcutKey_data();
+    void aCommandEndsTheWaitForAShortcutKey();
     void exitCancelledShowsWhatWritingTheTextHasChanged();
     void underAModalBoxCommandsAreSwallowedWithoutEffect_data();
     void underAModalBoxCommandsAreSwallowedWithoutEffect();
@@ -354,6 +356,26 @@ void AppCommandFilterTest::heldEscapeInADialogHidesItAndGoesNoFurther()
     QVERIFY(desk.activation.isAppActive());
     desk.press(Qt::Key_Escape);
     QVERIFY(!desk.activation.isAppActive());
+}
+
+void AppCommandFilterTest::aCommandEndsTheWaitForAShortcutKey_data()
+{
+    commandsWhileInactiveBringTheApplicationForward_data();
+    QTest::newRow("quit") << int(Qt::Key_Q);
+}
+
+void AppCommandFilterTest::aCommandEndsTheWaitForAShortcutKey()
+{
+    QFETCH(int, key);
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    desk.goTo(desk.addEntry(root, u"unsaved"_s, 0));
+    desk.show();
+    desk.press(Qt::Key_S, ctrl);
+    QVERIFY(desk.window->isRegisteringShortcut());
+    const BoxAnswer cancel(QMessageBox::Cancel);
+    desk.press(key, ctrl);
+    QVERIFY(!desk.window->isRegisteringShortcut());
 }
 
 void AppCommandFilterTest::exitCancelledShowsWhatWritingTheTextHasChanged()
