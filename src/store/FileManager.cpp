@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "store/FileManager.h"
 
+#include "store/DataFileDialog.h"
 #include "store/StoreLogging.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -153,21 +153,6 @@ bool FileManager::noFileSelectedOrFileAlreadyOpen(const QString &path)
     return true;
 }
 
-QString FileManager::askForNewFile()
-{
-    // An object rather than the static function: only so the suffix is added before the dialog
-    // asks whether to replace an existing file.
-    QFileDialog dialog(nullptr, tr("Create a new file"), QDir::homePath(),
-                       tr("Brindle files (*.bdl)"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    // Desktops' own dialogs add the suffix after their question, and would replace a file unasked.
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setDefaultSuffix(u"bdl"_s);
-    dialog.selectFile(u"data.bdl"_s);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
 bool FileManager::makeWayForNewFile(const QString &path)
 {
     if (QFileInfo::exists(path) && !QFile::remove(path)) {
@@ -188,7 +173,7 @@ void FileManager::createFile(int index)
 {
     const QPointer<DiskStore> next = getFile(index);
     while (true) {
-        const QString path = askForNewFile();
+        const QString path = DataFileDialog::askForNewFile();
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
         if (makeWayForNewFile(path)) {
@@ -201,12 +186,8 @@ void FileManager::createFile(int index)
 void FileManager::loadFile(int index)
 {
     const QPointer<DiskStore> next = getFile(index);
-    const QString filter = tr("Brindle files (*.bdl)");
     while (true) {
-        QString selected = filter;
-        const QString path
-            = QFileDialog::getOpenFileName(nullptr, tr("Open an existing file"), QDir::homePath(),
-                                           tr("Any file (*);;") + filter, &selected);
+        const QString path = DataFileDialog::askForExistingFile();
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
         if (isAccessible(path)) {

@@ -138,6 +138,27 @@ bool StoreTest::writeBytes(const QString &path, const QByteArray &content)
     return file.open(QFile::WriteOnly) && file.write(content) == content.size();
 }
 
+bool StoreTest::canBeWrittenByOthers(const QString &path)
+{
+    const QString script = uR"(
+import sqlite3, sys
+connection = sqlite3.connect(sys.argv[1], isolation_level=None, timeout=0)
+try:
+    connection.execute("BEGIN IMMEDIATE")
+    print("got it")
+except sqlite3.OperationalError as error:
+    print(error)
+)"_s;
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(u"python3"_s, {u"-c"_s, script, path});
+    process.waitForFinished(15000);
+    const QByteArray answer = process.readAllStandardOutput().trimmed();
+    if (answer != "got it" && answer != "database is locked")
+        qFatal("the other process could not try: %s", answer.constData());
+    return answer == "got it";
+}
+
 QStringList StoreTest::storedFiles()
 {
     QSettings settings;

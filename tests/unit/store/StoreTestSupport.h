@@ -36,6 +36,9 @@ QString change(const QString &path, const QStringList &statements);
 QByteArray bytes(const QString &path);
 bool writeBytes(const QString &path, const QByteArray &content);
 
+/// Whether another process gets the write lock of the file at \a path (and gives it back at once).
+bool canBeWrittenByOthers(const QString &path);
+
 /// "key=path" of each file that the settings list, sorted by key as text.
 QStringList storedFiles();
 /// The names of the open files, in their order.
