@@ -73,7 +73,10 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
     auto &slot = m_queries[type];
     slot = std::make_unique<QSqlQuery>(m_connection.database());
     slot->setForwardOnly(true);
-    if (!slot->prepare(text))
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&slot, &text] {
+        return slot->prepare(text) ? QSqlError() : slot->lastError();
+    });
+    if (error.isValid())
         throwFileExceptionAndEmit(u"preparing query "_s + QString::number(type));
 }
 
@@ -317,6 +320,7 @@ void DiskStore::placeEntry(long long id, int sequence, long long parentId)
 
 void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
 {
+    beginChange();
     int sequence = -1;
     long long parentId = -1;
     if (!getEntryInfo(id, nullptr, &sequence, nullptr, &parentId, nullptr, nullptr, nullptr))
@@ -341,6 +345,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
 
 void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 {
+    beginChange();
     if (getEntryId(parentId, sequence) == -1)
         return;
     QSqlQuery &update = query(ShiftSequences);
@@ -352,6 +357,7 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 
 bool DiskStore::deleteEntry(long long id)
 {
+    beginChange();
     if (getMaxEntrySequence(id, highestSequence) != -1)
         return false;
     for (const QueryType type : {DeleteBody, DeleteEntry}) {
@@ -388,6 +394,7 @@ void DiskStore::registerShortcut(long long id, int key, const QString &keyText)
 {
     if (id == -1)
         throwFileExceptionAndEmit(u"illegal argument to registerShortcut"_s, dbFilePath());
+    beginChange();
     unregisterShortcut(getEntryIdByShortcutKey(key));
     writeShortcut(id, key, notNull(keyText));
 }

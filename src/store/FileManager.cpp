@@ -3,11 +3,18 @@
 
 #include "store/DataFileDialog.h"
 #include "store/StoreLogging.h"
+#include "store/WaitNotice.h"
 
 #include <QDir>
+#include <QTimer>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace
+{
+constexpr int retryAfterWaitMs = 100;
+}
 
 FileManager::~FileManager()
 {
@@ -54,7 +61,8 @@ bool FileManager::isOpen(const QString &path) const
 
 void FileManager::openFileInner(const QString &path, int index)
 {
-    auto store = std::make_unique<DiskStore>(path);
+    auto store = std::make_unique<DiskStore>(
+        path, [](const QString &name) { return std::make_unique<WaitNotice>(name); });
     try {
         store->getRootExcerpt();
     } catch (const char *text) {
@@ -90,6 +98,11 @@ void FileManager::queueError(DiskStore *store, const DiskStore::FileException &e
 
 void FileManager::fileError(DiskStore::FileException e)
 {
+    // Whoever waits is going through the list of files.
+    if (WaitNotice::isShown()) {
+        QTimer::singleShot(retryAfterWaitMs, this, [this, e] { fileError(e); });
+        return;
+    }
     const QPointer<DiskStore> store
         = m_failedStores.isEmpty() ? QPointer<DiskStore>() : m_failedStores.takeFirst();
     if (!store || indexOf(store) == -1) {

@@ -253,20 +253,24 @@ QString StoreTest::detail(const DiskStore::FileException &e, const QString &labe
 }
 
 StoreTest::OtherProcess::OtherProcess(const QString &path, const QStringList &statements,
-                                      double seconds)
+                                      double seconds, const QString &last)
 {
     const QString script = uR"(
 import select, sqlite3, sys
 connection = sqlite3.connect(sys.argv[1], isolation_level=None, timeout=0)
-for statement in sys.argv[3:]:
+for statement in sys.argv[4:]:
     connection.execute(statement).fetchall()
 print("holding", flush=True)
 select.select([sys.stdin], [], [], float(sys.argv[2]))
+if connection.in_transaction:
+    connection.execute("PRAGMA busy_timeout=15000")
+    connection.execute(sys.argv[3])
 connection.close()
 )"_s;
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(u"python3"_s,
-                    QStringList{u"-c"_s, script, path, QString::number(seconds)} + statements);
+                    QStringList{u"-c"_s, script, path, QString::number(seconds), last}
+                        + statements);
     m_holding = m_process.waitForReadyRead(15000) && m_process.readLine().startsWith("holding");
 }
 

@@ -68,11 +68,12 @@ QString bareText(const std::function<void()> &action);
 QString detail(const DiskStore::FileException &e, const QString &label);
 
 /// Another process with an SQL connection of its own, which runs the statements given and then
-/// keeps its locks until it is let go, or for the time given.
+/// keeps its locks until it is let go, or for the time given; \a last is what it does then.
 class OtherProcess
 {
 public:
-    OtherProcess(const QString &path, const QStringList &statements, double seconds = 600);
+    OtherProcess(const QString &path, const QStringList &statements, double seconds = 600,
+                 const QString &last = QStringLiteral("ROLLBACK"));
     ~OtherProcess();
     /// Whether it has got so far that its locks are held.
     bool isHolding() const { return m_holding; }
