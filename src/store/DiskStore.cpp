@@ -28,6 +28,11 @@ bool isChange(const QSqlQuery &query)
 {
     return !query.lastQuery().startsWith(u"SELECT"_s, Qt::CaseInsensitive);
 }
+
+DiskStore::FileException ownError(const QString &message, const QString &path)
+{
+    return {u"There was an error: "_s + message + u"."_s, path};
+}
 } // namespace
 
 DiskStore::FileException::FileException(QString userMessage, QString technicalDetails)
@@ -132,8 +137,9 @@ void DiskStore::refuseReplacedFile()
     if (isStillAtItsPath())
         return;
     const QString what = u"the file was replaced or removed by another program while it was open"_s;
-    throwFileExceptionAndEmit(
-        m_updated ? what + u", so your changes could not be saved in it"_s : what, dbFilePath());
+    // The store goes on: what it holds is the only copy, and the user may still want to read it.
+    emitAndThrow(ownError(m_updated ? what + u", so your changes could not be saved in it"_s : what,
+                          dbFilePath()));
 }
 
 QSqlError DiskStore::commit()
@@ -171,8 +177,7 @@ void DiskStore::refuseUnlessUsable()
     // After a failure the database may have ended the transaction by itself; a statement run then
     // would be saved at once.
     if (!m_transactionActive || m_unusable)
-        throwFileExceptionAndEmit(u"executeQuery called with no transaction active"_s,
-                                  dbFilePath());
+        throwMessageAndEmit(u"executeQuery called with no transaction active"_s, dbFilePath());
 }
 
 QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
@@ -189,7 +194,7 @@ QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
         if (returnErrors)
             return error;
         // The user's details show the connection's last error, which doesn't know this one.
-        qCDebug(lcStore) << "statement failed:" << error << query->lastQuery();
+        qCWarning(lcStore) << "statement failed:" << error << query->lastQuery();
         throwFileExceptionAndEmit(u"executing query"_s);
     }
     if (!m_updated && changes) {
@@ -231,7 +236,7 @@ void DiskStore::beginChange()
     refuseUnlessUsable();
     const QSqlError error = takeWriteLock();
     if (error.isValid()) {
-        qCDebug(lcStore) << "no write lock:" << error;
+        qCWarning(lcStore) << "no write lock:" << error;
         throwFileExceptionAndEmit(u"executing query"_s);
     }
 }
@@ -265,15 +270,19 @@ QSqlError DiskStore::restartAsWriter()
 
 void DiskStore::throwFileExceptionAndEmit(const QString &operation)
 {
-    const FileException error(&m_connection.database(), operation);
     m_unusable = true;
-    emit errorOccurred(error);
-    throw error;
+    emitAndThrow(FileException(&m_connection.database(), operation));
 }
 
-void DiskStore::throwFileExceptionAndEmit(const QString &message, const QString &path)
+void DiskStore::throwMessageAndEmit(const QString &message, const QString &path)
 {
-    const FileException error(u"There was an error: "_s + message + u"."_s, path);
+    m_unusable = true;
+    emitAndThrow(ownError(message, path));
+}
+
+void DiskStore::emitAndThrow(const FileException &error)
+{
+    qCWarning(lcStore).noquote() << error.message << QString(error.details).replace(u'\n', u"; "_s);
     emit errorOccurred(error);
     throw error;
 }

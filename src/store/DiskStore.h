@@ -24,7 +24,7 @@
 /// Nothing reaches the disk before commitAndRestartTransaction(). Sequences order the children of
 /// one parent; gaps are allowed. -1 means none throughout. Every failing file operation emits
 /// errorOccurred() and then throws FileException; after that the store refuses all further work
-/// and waits to be closed.
+/// and waits to be closed, unless all that is wrong is that the file at its path was replaced.
 class DiskStore : public QObject
 {
     Q_OBJECT
@@ -87,8 +87,10 @@ public:
     /// an operation below, other writers are waited for first. With \a returnErrors a failure is
     /// returned instead of thrown.
     QSqlError executeQuery(QSqlQuery *query, bool returnErrors);
+    /// Fails with the connection's last error, met while \a operation was running.
     [[noreturn]] void throwFileExceptionAndEmit(const QString &operation);
-    [[noreturn]] void throwFileExceptionAndEmit(const QString &message, const QString &path);
+    /// Fails with a \a message of the program's own, when it wasn't the database that failed.
+    [[noreturn]] void throwMessageAndEmit(const QString &message, const QString &path);
     /// @}
 
     /// \name Reading
@@ -196,6 +198,8 @@ private:
     QList<qint64> readIds(const QString &sql);
     QString rootTextFromFileName() const;
 
+    [[noreturn]] void emitAndThrow(const FileException &error);
+
     void prepareQueries();
     void prepareQuery(QueryType type, const QString &text);
     /// Runs a prepared query, errors thrown.
@@ -211,8 +215,10 @@ private:
     QSqlError executeOnceFileIsFree(QSqlQuery &query);
     QSqlError takeWriteLock();
     QSqlError restartAsWriter();
-    /// Ends the reading of many rows; rows that a damaged file withholds are an error.
-    void finishReading(QSqlQuery &query);
+    /// Ends the reading of many rows; rows that a damaged file withholds are an error, met in
+    /// \a operation.
+    void finishReading(QSqlQuery &query,
+                       const QString &operation = QStringLiteral("executing query"));
     QSqlQuery &query(QueryType type) { return *m_queries[type]; }
     int readSequence(QSqlQuery &query);
     /// The current parent may have an id that the public operations' 32-bit parameter can't hold.

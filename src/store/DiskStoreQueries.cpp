@@ -4,6 +4,7 @@
 #include "shared/TextHelpers.h"
 #include "store/DoneDate.h"
 #include "store/SqlErrors.h"
+#include "store/StoreLogging.h"
 
 using namespace Qt::StringLiterals;
 
@@ -64,7 +65,7 @@ void DiskStore::prepareQueries()
 
     for (int type = 0; type < QueryTypeCount; ++type) {
         if (!m_queries[type])
-            throwFileExceptionAndEmit(u"query %1 was not set up"_s.arg(type), dbFilePath());
+            throwMessageAndEmit(u"query %1 was not set up"_s.arg(type), dbFilePath());
     }
 }
 
@@ -85,12 +86,14 @@ void DiskStore::run(QSqlQuery &query)
     executeQuery(&query, false);
 }
 
-void DiskStore::finishReading(QSqlQuery &query)
+void DiskStore::finishReading(QSqlQuery &query, const QString &operation)
 {
-    const bool failed = query.lastError().isValid();
+    const QSqlError error = query.lastError();
     query.finish();
-    if (failed)
-        throwFileExceptionAndEmit(u"executing query"_s);
+    if (error.isValid()) {
+        qCWarning(lcStore) << "reading failed:" << error << query.lastQuery();
+        throwFileExceptionAndEmit(operation);
+    }
 }
 
 bool DiskStore::contains(long long id)
@@ -253,19 +256,20 @@ DiskStore::EntryInfoList *DiskStore::entrySearch(QString text)
     if (text.isEmpty())
         return results.release();
 
+    const QString operation = u"searching; query: '"_s + text + u"'"_s;
     QSqlQuery &select = query(SearchBodies);
     select.bindValue(u":query"_s, text);
     const QSqlError error = executeQuery(&select, true);
     if (error.isValid()) {
         select.finish();
         if (SqlErrors::number(error) != genericErrorCode)
-            throwFileExceptionAndEmit(u"searching; query: '"_s + text + u"'"_s);
+            throwFileExceptionAndEmit(operation);
         results->append(EntryInfo{-1, u"query error"_s, -1});
         return results.release();
     }
     while (select.next())
         results->append(EntryInfo{select.value(0).toLongLong(), select.value(1).toString(), -1});
-    finishReading(select);
+    finishReading(select, operation);
     return results.release();
 }
 
@@ -292,8 +296,7 @@ long long DiskStore::insertEntry(long long parentId, const QString &body, int se
 
     const long long id = getEntryId(parentId, sequence);
     if (id == -1) {
-        throwFileExceptionAndEmit(u"entry not found immediately after inserting it"_s,
-                                  dbFilePath());
+        throwMessageAndEmit(u"entry not found immediately after inserting it"_s, dbFilePath());
     }
     QSqlQuery &insertText = query(InsertBody);
     insertText.bindValue(u":entryid"_s, id);
@@ -324,7 +327,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
     int sequence = -1;
     long long parentId = -1;
     if (!getEntryInfo(id, nullptr, &sequence, nullptr, &parentId, nullptr, nullptr, nullptr))
-        throwFileExceptionAndEmit(u"entry to relocate not found"_s, dbFilePath());
+        throwMessageAndEmit(u"entry to relocate not found"_s, dbFilePath());
     const bool sameParent = newParentId == keepParent || newParentId == parentId;
     if (sameParent && newSequence == sequence)
         return;
@@ -393,7 +396,7 @@ void DiskStore::updateEntryState(long long id, EntryState state, const QDateTime
 void DiskStore::registerShortcut(long long id, int key, const QString &keyText)
 {
     if (id == -1)
-        throwFileExceptionAndEmit(u"illegal argument to registerShortcut"_s, dbFilePath());
+        throwMessageAndEmit(u"illegal argument to registerShortcut"_s, dbFilePath());
     beginChange();
     unregisterShortcut(getEntryIdByShortcutKey(key));
     writeShortcut(id, key, notNull(keyText));

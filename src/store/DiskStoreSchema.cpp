@@ -41,7 +41,7 @@ bool DiskStore::executeSetUp(QSqlQuery &query, const QString &sql)
 {
     if (query.exec(sql))
         return true;
-    qCDebug(lcStore) << "statement failed:" << query.lastError() << sql;
+    qCWarning(lcStore) << "statement failed:" << query.lastError() << sql;
     return false;
 }
 
@@ -54,10 +54,10 @@ void DiskStore::setUpBaseData()
         // Compared unsigned: a file that doesn't declare its version counts as one of a newer
         // program.
         if (static_cast<unsigned int>(version) > currentSchema) {
-            throwFileExceptionAndEmit(u"File ("_s + dbFileName()
-                                          + u") is incompatible with this version of Brindle. "
-                                            "Consider upgrading your copy and trying again."_s,
-                                      dbFilePath());
+            throwMessageAndEmit(u"File ("_s + dbFileName()
+                                    + u") is incompatible with this version of Brindle. "
+                                      "Consider upgrading your copy and trying again."_s,
+                                dbFilePath());
         }
     }
     runUpgrades(version);
@@ -88,7 +88,10 @@ QSqlError DiskStore::compact()
 {
     qCDebug(lcStore) << "compacting" << dbFileName();
     QSqlQuery statement(m_connection.database());
-    return executeSetUp(statement, u"VACUUM"_s) ? QSqlError() : statement.lastError();
+    const QSqlError error = statement.exec(u"VACUUM"_s) ? QSqlError() : statement.lastError();
+    if (error.isValid())
+        qCWarning(lcStore) << "compacting failed:" << error;
+    return error;
 }
 
 void DiskStore::runUpgrades(int fromVersion)

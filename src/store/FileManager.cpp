@@ -67,7 +67,7 @@ void FileManager::openFileInner(const QString &path, int index)
         store->getRootExcerpt();
     } catch (const char *text) {
         // Every reader of the file relies on the root entry.
-        store->throwFileExceptionAndEmit(QString::fromLatin1(text), path);
+        store->throwMessageAndEmit(QString::fromLatin1(text), path);
     }
     connectStore(store.get());
     const int slot = std::clamp(index, 0, getFileCount());

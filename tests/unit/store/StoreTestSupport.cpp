@@ -159,6 +159,19 @@ except sqlite3.OperationalError as error:
     return answer == "got it";
 }
 
+bool StoreTest::damagePage(const QString &path, const QString &name, int number)
+{
+    const QStringList pages = rows(
+        path,
+        u"SELECT pageno FROM dbstat WHERE name='%1' AND pagetype='leaf' ORDER BY path"_s.arg(name));
+    const int pageSize = rows(path, u"PRAGMA page_size"_s).value(0).toInt();
+    bool isNumber = false;
+    const int page = pages.value(number).toInt(&isNumber);
+    QFile file(path);
+    return isNumber && file.open(QFile::ReadWrite) && file.seek(qint64(page - 1) * pageSize)
+        && file.write(QByteArray(pageSize, '\xff')) == pageSize;
+}
+
 QStringList StoreTest::storedFiles()
 {
     QSettings settings;

@@ -35,6 +35,9 @@ QString change(const QString &path, const QStringList &statements);
 /// What is in the file at \a path, byte by byte.
 QByteArray bytes(const QString &path);
 bool writeBytes(const QString &path, const QByteArray &content);
+/// Overwrites one page of the file at \a path, which no store may have open: the \a number th (from
+/// 0) of those that hold the rows of the table or index \a name, in their order.
+bool damagePage(const QString &path, const QString &name, int number);
 
 /// Whether another process gets the write lock of the file at \a path (and gives it back at once).
 bool canBeWrittenByOthers(const QString &path);
