@@ -5,7 +5,6 @@
 #include "store/SqlErrors.h"
 #include "store/StoreLogging.h"
 
-#include <QDeadlineTimer>
 #include <QFileInfo>
 #include <QThread>
 
@@ -15,8 +14,25 @@ Q_LOGGING_CATEGORY(lcStore, "brindle.store")
 
 namespace
 {
-constexpr unsigned long retryPauseMs = 100;
-constexpr int commitAttempts = 3;
+/// SQLite's own wait covers what can't be tried again from here.
+constexpr int sqliteTimeoutMs = 200;
+constexpr unsigned long retryPauseMs = 50;
+
+class SilentWait : public FileWait
+{
+public:
+    void pause() override { QThread::msleep(retryPauseMs); }
+};
+
+bool isChange(const QSqlQuery &query)
+{
+    return !query.lastQuery().startsWith(u"SELECT"_s, Qt::CaseInsensitive);
+}
+
+DiskStore::FileException ownError(const QString &message, const QString &path)
+{
+    return {u"There was an error: "_s + message + u"."_s, path};
+}
 } // namespace
 
 DiskStore::FileException::FileException(QString userMessage, QString technicalDetails)
@@ -41,12 +57,13 @@ DiskStore::FileException::FileException(const QSqlDatabase *database, const QStr
     }.join(u'\n');
 }
 
-DiskStore::DiskStore(QString path)
-    : m_connection(path, busyTimeoutMs)
+DiskStore::DiskStore(QString path, FileWaitFactory beginWait)
+    : m_connection(path, sqliteTimeoutMs)
+    , m_beginWait(std::move(beginWait))
 {
     if (!m_connection.database().open())
         throwFileExceptionAndEmit(u"opening file"_s);
-    setUpPatiently();
+    setUpBaseData();
     m_identity.note(path);
     prepareQueries();
     startTransaction();
@@ -94,6 +111,7 @@ void DiskStore::startTransaction()
     if (!m_connection.database().transaction())
         throwFileExceptionAndEmit(u"starting SQL transaction"_s);
     m_transactionActive = true;
+    m_hasWriteLock = false;
     m_updated = false;
 }
 
@@ -103,22 +121,31 @@ void DiskStore::commitOrThrow()
     // A change that failed half-way must not be saved.
     if (m_unusable)
         throwFileExceptionAndEmit(operation);
-    // A commit into a file that is no longer at its path would succeed and be lost.
-    if (!isStillAtItsPath()) {
-        const QString what
-            = u"the file was replaced or removed by another program while it was open"_s;
-        throwFileExceptionAndEmit(m_updated ? what + u", so your changes could not be saved in it"_s
-                                            : what,
-                                  dbFilePath());
-    }
     // While other processes read the file a commit fails but leaves the transaction whole. After
     // any other failure the transaction is gone, and a second attempt would only hide the reason.
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [this] {
+        refuseReplacedFile();
+        return commit();
+    });
+    if (error.isValid())
+        throwFileExceptionAndEmit(operation);
+}
+
+void DiskStore::refuseReplacedFile()
+{
+    // A commit into a file that is no longer at its path would succeed and be lost.
+    if (isStillAtItsPath())
+        return;
+    const QString what = u"the file was replaced or removed by another program while it was open"_s;
+    // The store goes on: what it holds is the only copy, and the user may still want to read it.
+    emitAndThrow(ownError(m_updated ? what + u", so your changes could not be saved in it"_s : what,
+                          dbFilePath()));
+}
+
+QSqlError DiskStore::commit()
+{
     QSqlDatabase &database = m_connection.database();
-    for (int attempt = 1; !database.commit(); ++attempt) {
-        if (attempt == commitAttempts || !SqlErrors::isBusy(database.lastError()))
-            throwFileExceptionAndEmit(operation);
-        QThread::msleep(retryPauseMs);
-    }
+    return database.commit() ? QSqlError() : database.lastError();
 }
 
 void DiskStore::commitAndRestartTransaction()
@@ -127,6 +154,8 @@ void DiskStore::commitAndRestartTransaction()
         commitOrThrow();
         m_transactionActive = false;
         m_updated = false;
+        if (m_needsCompacting)
+            makeUpForCompacting();
     }
     startTransaction();
 }
@@ -143,57 +172,117 @@ void DiskStore::rollbackAndRestartTransaction()
     emit rootBodyChanged();
 }
 
-QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
+void DiskStore::refuseUnlessUsable()
 {
     // After a failure the database may have ended the transaction by itself; a statement run then
     // would be saved at once.
     if (!m_transactionActive || m_unusable)
-        throwFileExceptionAndEmit(u"executeQuery called with no transaction active"_s,
-                                  dbFilePath());
-    if (!query->exec() && !executeOnceFileIsFree(*query)) {
+        throwMessageAndEmit(u"executeQuery called with no transaction active"_s, dbFilePath());
+}
+
+QSqlError DiskStore::executeQuery(QSqlQuery *query, bool returnErrors)
+{
+    refuseUnlessUsable();
+    const bool changes = isChange(*query);
+    QSqlError error = changes ? takeWriteLock() : QSqlError();
+    if (!error.isValid() && !query->exec()) {
+        error = query->lastError();
+        if (SqlErrors::isBusy(error))
+            error = executeOnceFileIsFree(*query);
+    }
+    if (error.isValid()) {
         if (returnErrors)
-            return query->lastError();
+            return error;
         // The user's details show the connection's last error, which doesn't know this one.
-        qCDebug(lcStore) << "statement failed:" << query->lastError() << query->lastQuery();
+        qCWarning(lcStore) << "statement failed:" << error << query->lastQuery();
         throwFileExceptionAndEmit(u"executing query"_s);
     }
-    if (!m_updated && !query->isSelect()) {
+    if (!m_updated && changes) {
         emit firstUpdateOfTransaction();
         m_updated = true;
     }
     return QSqlError();
 }
 
-bool DiskStore::executeOnceFileIsFree(QSqlQuery &query)
+QSqlError DiskStore::executeOnceFileIsFree(QSqlQuery &query)
 {
-    // A process that writes can't finish while we hold our share of the file, and SQLite doesn't
-    // wait then. As long as nothing is unsaved the transaction can be given up for a moment.
-    QSqlDatabase &database = m_connection.database();
-    const QDeadlineTimer patience(busyTimeoutMs);
-    while (!m_updated && SqlErrors::isBusy(query.lastError()) && !patience.hasExpired()) {
-        query.finish();
-        if (!database.rollback())
-            return false;
-        QThread::msleep(retryPauseMs);
-        if (!database.transaction())
-            return false;
-        if (query.exec())
-            return true;
+    // Only the first query of a transaction can find the file busy, so no snapshot is given up.
+    // What goes on during the wait may read with the same query.
+    const QVariantList values = query.boundValues();
+    return retryWhileBusy(QDeadlineTimer(patienceMs), [&query, &values] {
+        for (int i = 0; i < values.size(); ++i)
+            query.bindValue(i, values.at(i));
+        return query.exec() ? QSqlError() : query.lastError();
+    });
+}
+
+QSqlError DiskStore::retryWhileBusy(const QDeadlineTimer &deadline,
+                                    const std::function<QSqlError()> &attempt)
+{
+    QSqlError error = attempt();
+    if (!SqlErrors::isBusy(error))
+        return error;
+    const std::unique_ptr<FileWait> wait
+        = m_beginWait ? m_beginWait(dbFileName()) : std::make_unique<SilentWait>();
+    while (SqlErrors::isBusy(error) && !deadline.hasExpired()) {
+        wait->pause();
+        error = attempt();
     }
-    return false;
+    return error;
+}
+
+void DiskStore::beginChange()
+{
+    refuseUnlessUsable();
+    const QSqlError error = takeWriteLock();
+    if (error.isValid()) {
+        qCWarning(lcStore) << "no write lock:" << error;
+        throwFileExceptionAndEmit(u"executing query"_s);
+    }
+}
+
+QSqlError DiskStore::takeWriteLock()
+{
+    const QSqlError error
+        = retryWhileBusy(QDeadlineTimer(patienceMs), [this] { return restartAsWriter(); });
+    // Why the file can't be written is said by the statement that wants to.
+    return SqlErrors::isBusy(error) ? error : QSqlError();
+}
+
+QSqlError DiskStore::restartAsWriter()
+{
+    if (m_hasWriteLock || m_updated)
+        return QSqlError();
+    // Nothing is unsaved yet. What was read is let go, because another writer can't finish before.
+    QSqlDatabase &database = m_connection.database();
+    if (!database.rollback())
+        throwFileExceptionAndEmit(u"rolling back SQL transaction"_s);
+    QSqlQuery begin(database);
+    m_hasWriteLock = begin.exec(u"BEGIN IMMEDIATE"_s);
+    if (m_hasWriteLock)
+        return QSqlError();
+    if (!database.transaction()) {
+        m_transactionActive = false;
+        throwFileExceptionAndEmit(u"starting SQL transaction"_s);
+    }
+    return begin.lastError();
 }
 
 void DiskStore::throwFileExceptionAndEmit(const QString &operation)
 {
-    const FileException error(&m_connection.database(), operation);
     m_unusable = true;
-    emit errorOccurred(error);
-    throw error;
+    emitAndThrow(FileException(&m_connection.database(), operation));
 }
 
-void DiskStore::throwFileExceptionAndEmit(const QString &message, const QString &path)
+void DiskStore::throwMessageAndEmit(const QString &message, const QString &path)
 {
-    const FileException error(u"There was an error: "_s + message + u"."_s, path);
+    m_unusable = true;
+    emitAndThrow(ownError(message, path));
+}
+
+void DiskStore::emitAndThrow(const FileException &error)
+{
+    qCWarning(lcStore).noquote() << error.message << QString(error.details).replace(u'\n', u"; "_s);
     emit errorOccurred(error);
     throw error;
 }

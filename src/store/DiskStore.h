@@ -3,15 +3,18 @@
 
 #include "shared/EntryState.h"
 #include "store/DatabaseConnection.h"
+#include "store/FileWait.h"
 #include "store/OpenedFileIdentity.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QList>
 #include <QObject>
 #include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <array>
+#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
@@ -21,7 +24,7 @@
 /// Nothing reaches the disk before commitAndRestartTransaction(). Sequences order the children of
 /// one parent; gaps are allowed. -1 means none throughout. Every failing file operation emits
 /// errorOccurred() and then throws FileException; after that the store refuses all further work
-/// and waits to be closed.
+/// and waits to be closed, unless all that is wrong is that the file at its path was replaced.
 class DiskStore : public QObject
 {
     Q_OBJECT
@@ -54,13 +57,14 @@ public:
     /// In place of a parent's id: the entry keeps its parent.
     static constexpr int keepParent = -2;
 
-    /// How long one attempt at a statement or a commit waits for other processes to let go of the
-    /// file; commits are attempted three times.
-    static constexpr int busyTimeoutMs = 5000;
+    /// How long an operation waits for other processes to let go of the file before it fails.
+    static constexpr int patienceMs = 10000;
 
     /// Opens the file at \a path, makes it when missing, and brings it to the current schema.
+    /// \a beginWait is called whenever the store has to wait for another process, as long as it
+    /// lives; without one it waits in silence.
     /// \throws FileException when it can't be opened, set up or upgraded.
-    explicit DiskStore(QString path);
+    explicit DiskStore(QString path, FileWaitFactory beginWait = {});
     /// Closes the file; what was not committed is lost.
     ~DiskStore() override;
 
@@ -76,14 +80,17 @@ public:
     /// \name Transaction
     /// @{
     void startTransaction();
-    /// Saves. A commit that other readers hold up is tried again for some seconds.
+    /// Saves. A commit that other readers hold up is tried again for patienceMs.
     void commitAndRestartTransaction();
     void rollbackAndRestartTransaction();
-    /// Runs the bound \a query inside the transaction. With \a returnErrors a failure is returned
-    /// instead of thrown.
+    /// Runs the bound \a query inside the transaction; when it changes the file and is no part of
+    /// an operation below, other writers are waited for first. With \a returnErrors a failure is
+    /// returned instead of thrown.
     QSqlError executeQuery(QSqlQuery *query, bool returnErrors);
+    /// Fails with the connection's last error, met while \a operation was running.
     [[noreturn]] void throwFileExceptionAndEmit(const QString &operation);
-    [[noreturn]] void throwFileExceptionAndEmit(const QString &message, const QString &path);
+    /// Fails with a \a message of the program's own, when it wasn't the database that failed.
+    [[noreturn]] void throwMessageAndEmit(const QString &message, const QString &path);
     /// @}
 
     /// \name Reading
@@ -170,15 +177,17 @@ private:
         QueryTypeCount,
     };
 
-    void setUpPatiently();
     void setUpBaseData();
+    void beginSetUp();
+    void compactAfterUpgrade();
+    void makeUpForCompacting();
+    QSqlError compact();
     void runUpgrades(int fromVersion);
     void upgradeToSchema1();
     void upgradeToSchema2();
     void upgradeToSchema3();
     void upgradeToSchema4();
     void logUpgrade(int version) const;
-    /// Runs \a sql and notes whether another process was in the way of it.
     bool executeSetUp(QSqlQuery &query, const QString &sql);
     void runSetUpStatement(const QString &sql, const QString &operation);
     void insertStateCombo(EntryState parent, EntryState child);
@@ -189,28 +198,47 @@ private:
     QList<qint64> readIds(const QString &sql);
     QString rootTextFromFileName() const;
 
+    [[noreturn]] void emitAndThrow(const FileException &error);
+
     void prepareQueries();
     void prepareQuery(QueryType type, const QString &text);
     /// Runs a prepared query, errors thrown.
     void run(QSqlQuery &query);
-    bool executeOnceFileIsFree(QSqlQuery &query);
-    /// Ends the reading of many rows; rows that a damaged file withholds are an error.
-    void finishReading(QSqlQuery &query);
+    /// Makes \a attempt until it fails for no other process's sake, or \a deadline is over.
+    /// \return the last attempt's error. An attempt that was in vain leaves nothing half-done.
+    QSqlError retryWhileBusy(const QDeadlineTimer &deadline,
+                             const std::function<QSqlError()> &attempt);
+    void refuseUnlessUsable();
+    /// Keeps other writers away from now on until the transaction ends. What an operation reads
+    /// before it changes anything is only true when this comes first.
+    void beginChange();
+    QSqlError executeOnceFileIsFree(QSqlQuery &query);
+    QSqlError takeWriteLock();
+    QSqlError restartAsWriter();
+    /// Ends the reading of many rows; rows that a damaged file withholds are an error, met in
+    /// \a operation.
+    void finishReading(QSqlQuery &query,
+                       const QString &operation = QStringLiteral("executing query"));
     QSqlQuery &query(QueryType type) { return *m_queries[type]; }
     int readSequence(QSqlQuery &query);
     /// The current parent may have an id that the public operations' 32-bit parameter can't hold.
     void placeEntry(long long id, int sequence, long long parentId);
     void writeShortcut(long long id, const QVariant &key, const QString &keyText);
     void commitOrThrow();
+    void refuseReplacedFile();
+    /// One attempt.
+    QSqlError commit();
 
     DatabaseConnection m_connection;
+    FileWaitFactory m_beginWait;
     OpenedFileIdentity m_identity;
     std::array<std::unique_ptr<QSqlQuery>, QueryTypeCount> m_queries;
     std::map<EntryState, std::unique_ptr<StateSet>> m_allowedChildStates;
     bool m_transactionActive = false;
     bool m_updated = false;
+    bool m_hasWriteLock = false;
     bool m_unusable = false;
-    bool m_setUpFoundFileBusy = false;
+    bool m_needsCompacting = false;
 };
 
 Q_DECLARE_METATYPE(DiskStore::FileException)

@@ -4,6 +4,7 @@
 #include "shared/TextHelpers.h"
 #include "store/DoneDate.h"
 #include "store/SqlErrors.h"
+#include "store/StoreLogging.h"
 
 using namespace Qt::StringLiterals;
 
@@ -64,7 +65,7 @@ void DiskStore::prepareQueries()
 
     for (int type = 0; type < QueryTypeCount; ++type) {
         if (!m_queries[type])
-            throwFileExceptionAndEmit(u"query %1 was not set up"_s.arg(type), dbFilePath());
+            throwMessageAndEmit(u"query %1 was not set up"_s.arg(type), dbFilePath());
     }
 }
 
@@ -73,7 +74,10 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
     auto &slot = m_queries[type];
     slot = std::make_unique<QSqlQuery>(m_connection.database());
     slot->setForwardOnly(true);
-    if (!slot->prepare(text))
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&slot, &text] {
+        return slot->prepare(text) ? QSqlError() : slot->lastError();
+    });
+    if (error.isValid())
         throwFileExceptionAndEmit(u"preparing query "_s + QString::number(type));
 }
 
@@ -82,12 +86,14 @@ void DiskStore::run(QSqlQuery &query)
     executeQuery(&query, false);
 }
 
-void DiskStore::finishReading(QSqlQuery &query)
+void DiskStore::finishReading(QSqlQuery &query, const QString &operation)
 {
-    const bool failed = query.lastError().isValid();
+    const QSqlError error = query.lastError();
     query.finish();
-    if (failed)
-        throwFileExceptionAndEmit(u"executing query"_s);
+    if (error.isValid()) {
+        qCWarning(lcStore) << "reading failed:" << error << query.lastQuery();
+        throwFileExceptionAndEmit(operation);
+    }
 }
 
 bool DiskStore::contains(long long id)
@@ -250,19 +256,20 @@ DiskStore::EntryInfoList *DiskStore::entrySearch(QString text)
     if (text.isEmpty())
         return results.release();
 
+    const QString operation = u"searching; query: '"_s + text + u"'"_s;
     QSqlQuery &select = query(SearchBodies);
     select.bindValue(u":query"_s, text);
     const QSqlError error = executeQuery(&select, true);
     if (error.isValid()) {
         select.finish();
         if (SqlErrors::number(error) != genericErrorCode)
-            throwFileExceptionAndEmit(u"searching; query: '"_s + text + u"'"_s);
+            throwFileExceptionAndEmit(operation);
         results->append(EntryInfo{-1, u"query error"_s, -1});
         return results.release();
     }
     while (select.next())
         results->append(EntryInfo{select.value(0).toLongLong(), select.value(1).toString(), -1});
-    finishReading(select);
+    finishReading(select, operation);
     return results.release();
 }
 
@@ -289,8 +296,7 @@ long long DiskStore::insertEntry(long long parentId, const QString &body, int se
 
     const long long id = getEntryId(parentId, sequence);
     if (id == -1) {
-        throwFileExceptionAndEmit(u"entry not found immediately after inserting it"_s,
-                                  dbFilePath());
+        throwMessageAndEmit(u"entry not found immediately after inserting it"_s, dbFilePath());
     }
     QSqlQuery &insertText = query(InsertBody);
     insertText.bindValue(u":entryid"_s, id);
@@ -317,10 +323,11 @@ void DiskStore::placeEntry(long long id, int sequence, long long parentId)
 
 void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
 {
+    beginChange();
     int sequence = -1;
     long long parentId = -1;
     if (!getEntryInfo(id, nullptr, &sequence, nullptr, &parentId, nullptr, nullptr, nullptr))
-        throwFileExceptionAndEmit(u"entry to relocate not found"_s, dbFilePath());
+        throwMessageAndEmit(u"entry to relocate not found"_s, dbFilePath());
     const bool sameParent = newParentId == keepParent || newParentId == parentId;
     if (sameParent && newSequence == sequence)
         return;
@@ -341,6 +348,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
 
 void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 {
+    beginChange();
     if (getEntryId(parentId, sequence) == -1)
         return;
     QSqlQuery &update = query(ShiftSequences);
@@ -352,6 +360,7 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 
 bool DiskStore::deleteEntry(long long id)
 {
+    beginChange();
     if (getMaxEntrySequence(id, highestSequence) != -1)
         return false;
     for (const QueryType type : {DeleteBody, DeleteEntry}) {
@@ -387,7 +396,8 @@ void DiskStore::updateEntryState(long long id, EntryState state, const QDateTime
 void DiskStore::registerShortcut(long long id, int key, const QString &keyText)
 {
     if (id == -1)
-        throwFileExceptionAndEmit(u"illegal argument to registerShortcut"_s, dbFilePath());
+        throwMessageAndEmit(u"illegal argument to registerShortcut"_s, dbFilePath());
+    beginChange();
     unregisterShortcut(getEntryIdByShortcutKey(key));
     writeShortcut(id, key, notNull(keyText));
 }

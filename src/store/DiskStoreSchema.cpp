@@ -4,16 +4,13 @@
 #include "store/SqlErrors.h"
 #include "store/StoreLogging.h"
 
-#include <QDeadlineTimer>
 #include <QRegularExpression>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 
 namespace
 {
 constexpr int currentSchema = 4;
-constexpr unsigned long retryPauseMs = 100;
 
 /// Which child states may stand under which parent state, in the order in which they are stored.
 constexpr std::pair<EntryState, EntryState> stateCombinations[] = {
@@ -28,62 +25,73 @@ constexpr std::pair<EntryState, EntryState> stateCombinations[] = {
 };
 } // namespace
 
-void DiskStore::setUpPatiently()
+void DiskStore::beginSetUp()
 {
-    // Another process that just writes keeps us from reading or writing for a moment.
-    const QDeadlineTimer patience(2 * busyTimeoutMs);
-    while (true) {
-        try {
-            setUpBaseData();
-            return;
-        } catch (const FileException &) {
-            const bool busy
-                = m_setUpFoundFileBusy || SqlErrors::isBusy(m_connection.database().lastError());
-            if (!busy || patience.hasExpired())
-                throw;
-        }
-        m_connection.database().rollback();
-        m_setUpFoundFileBusy = false;
-        m_unusable = false;
-        QThread::msleep(retryPauseMs);
-    }
+    QSqlDatabase &database = m_connection.database();
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&database] {
+        QSqlQuery begin(database);
+        return begin.exec(u"BEGIN IMMEDIATE"_s) ? QSqlError() : begin.lastError();
+    });
+    // Why the file can't be written, or read, is said by the step that wants to.
+    if (error.isValid() && !database.transaction())
+        throwFileExceptionAndEmit(u"opening SQL transaction for file set up"_s);
 }
 
 bool DiskStore::executeSetUp(QSqlQuery &query, const QString &sql)
 {
     if (query.exec(sql))
         return true;
-    m_setUpFoundFileBusy = SqlErrors::isBusy(query.lastError());
-    qCDebug(lcStore) << "statement failed:" << query.lastError() << sql;
+    qCWarning(lcStore) << "statement failed:" << query.lastError() << sql;
     return false;
 }
 
 void DiskStore::setUpBaseData()
 {
-    QSqlDatabase &database = m_connection.database();
-    if (!database.transaction())
-        throwFileExceptionAndEmit(u"opening SQL transaction for file set up"_s);
-
+    beginSetUp();
     int version = 0;
     if (doesTableExist(u"meta"_s)) {
         version = getMetaPropValueInt(u"dbschema"_s);
         // Compared unsigned: a file that doesn't declare its version counts as one of a newer
         // program.
         if (static_cast<unsigned int>(version) > currentSchema) {
-            throwFileExceptionAndEmit(u"File ("_s + dbFileName()
-                                          + u") is incompatible with this version of Brindle. "
-                                            "Consider upgrading your copy and trying again."_s,
-                                      dbFilePath());
+            throwMessageAndEmit(u"File ("_s + dbFileName()
+                                    + u") is incompatible with this version of Brindle. "
+                                      "Consider upgrading your copy and trying again."_s,
+                                dbFilePath());
         }
     }
     runUpgrades(version);
     repairSequences();
     setMetaPropValueInt(u"dbschema"_s, currentSchema);
-    if (!database.commit())
+    if (retryWhileBusy(QDeadlineTimer(patienceMs), [this] { return commit(); }).isValid())
         throwFileExceptionAndEmit(u"saving changes after schema upgrade"_s);
-
     if (version != currentSchema)
-        runSetUpStatement(u"VACUUM"_s, u"compacting file"_s);
+        compactAfterUpgrade();
+}
+
+void DiskStore::compactAfterUpgrade()
+{
+    const QSqlError error = compact();
+    // All is saved; what only takes more room than it must can wait for others.
+    m_needsCompacting = SqlErrors::isBusy(error);
+    if (error.isValid() && !m_needsCompacting)
+        throwFileExceptionAndEmit(u"compacting file"_s);
+}
+
+void DiskStore::makeUpForCompacting()
+{
+    const QSqlError error = compact();
+    m_needsCompacting = SqlErrors::isBusy(error);
+}
+
+QSqlError DiskStore::compact()
+{
+    qCDebug(lcStore) << "compacting" << dbFileName();
+    QSqlQuery statement(m_connection.database());
+    const QSqlError error = statement.exec(u"VACUUM"_s) ? QSqlError() : statement.lastError();
+    if (error.isValid())
+        qCWarning(lcStore) << "compacting failed:" << error;
+    return error;
 }
 
 void DiskStore::runUpgrades(int fromVersion)

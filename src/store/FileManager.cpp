@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "store/FileManager.h"
 
+#include "store/DataFileDialog.h"
 #include "store/StoreLogging.h"
+#include "store/WaitNotice.h"
 
 #include <QDir>
-#include <QFileDialog>
+#include <QTimer>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace
+{
+constexpr int retryAfterWaitMs = 100;
+}
 
 FileManager::~FileManager()
 {
@@ -54,12 +61,13 @@ bool FileManager::isOpen(const QString &path) const
 
 void FileManager::openFileInner(const QString &path, int index)
 {
-    auto store = std::make_unique<DiskStore>(path);
+    auto store = std::make_unique<DiskStore>(
+        path, [](const QString &name) { return std::make_unique<WaitNotice>(name); });
     try {
         store->getRootExcerpt();
     } catch (const char *text) {
         // Every reader of the file relies on the root entry.
-        store->throwFileExceptionAndEmit(QString::fromLatin1(text), path);
+        store->throwMessageAndEmit(QString::fromLatin1(text), path);
     }
     connectStore(store.get());
     const int slot = std::clamp(index, 0, getFileCount());
@@ -90,6 +98,11 @@ void FileManager::queueError(DiskStore *store, const DiskStore::FileException &e
 
 void FileManager::fileError(DiskStore::FileException e)
 {
+    // Whoever waits is going through the list of files.
+    if (WaitNotice::isShown()) {
+        QTimer::singleShot(retryAfterWaitMs, this, [this, e] { fileError(e); });
+        return;
+    }
     const QPointer<DiskStore> store
         = m_failedStores.isEmpty() ? QPointer<DiskStore>() : m_failedStores.takeFirst();
     if (!store || indexOf(store) == -1) {
@@ -153,21 +166,6 @@ bool FileManager::noFileSelectedOrFileAlreadyOpen(const QString &path)
     return true;
 }
 
-QString FileManager::askForNewFile()
-{
-    // An object rather than the static function: only so the suffix is added before the dialog
-    // asks whether to replace an existing file.
-    QFileDialog dialog(nullptr, tr("Create a new file"), QDir::homePath(),
-                       tr("Brindle files (*.bdl)"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    // Desktops' own dialogs add the suffix after their question, and would replace a file unasked.
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setDefaultSuffix(u"bdl"_s);
-    dialog.selectFile(u"data.bdl"_s);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
 bool FileManager::makeWayForNewFile(const QString &path)
 {
     if (QFileInfo::exists(path) && !QFile::remove(path)) {
@@ -188,7 +186,7 @@ void FileManager::createFile(int index)
 {
     const QPointer<DiskStore> next = getFile(index);
     while (true) {
-        const QString path = askForNewFile();
+        const QString path = DataFileDialog::askForNewFile();
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
         if (makeWayForNewFile(path)) {
@@ -201,12 +199,8 @@ void FileManager::createFile(int index)
 void FileManager::loadFile(int index)
 {
     const QPointer<DiskStore> next = getFile(index);
-    const QString filter = tr("Brindle files (*.bdl)");
     while (true) {
-        QString selected = filter;
-        const QString path
-            = QFileDialog::getOpenFileName(nullptr, tr("Open an existing file"), QDir::homePath(),
-                                           tr("Any file (*);;") + filter, &selected);
+        const QString path = DataFileDialog::askForExistingFile();
         if (noFileSelectedOrFileAlreadyOpen(path))
             return;
         if (isAccessible(path)) {

@@ -91,7 +91,6 @@ private:
     int slotBefore(const QPointer<DiskStore> &next, int index) const;
     static bool isAccessible(const QString &path);
     bool isOpen(const QString &path) const;
-    QString askForNewFile();
     bool makeWayForNewFile(const QString &path);
     void showInformation(const QString &title, const QString &text);
 

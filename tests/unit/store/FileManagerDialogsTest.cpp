@@ -6,11 +6,17 @@
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <array>
+#include <cstring>
 #include <unistd.h>
+#ifdef Q_OS_LINUX
+#include <sys/inotify.h>
+#endif
 
 using namespace Qt::StringLiterals;
 using namespace StoreTest;
@@ -47,15 +53,23 @@ public:
 
     QString home(const QString &name) const { return m_home.filePath(name); }
 
+    /// Runs while a dialog is on the screen, before it is answered, which waits for it to return
+    /// true.
+    void beforeAnswering(const std::function<bool(QFileDialog *)> &action) { m_before = action; }
+
     BoxAnswers boxes;
     QList<SeenDialog> dialogs;
 
 private:
     void answer(QFileDialog *dialog)
     {
-        if (dialog->property("answered").isValid())
+        // Back after the user didn't like what its question said.
+        const QVariant boxesBefore = dialog->property("boxesBefore");
+        if (boxesBefore.isValid() && boxes.seen().size() > boxesBefore.toInt())
+            dialog->reject();
+        if (boxesBefore.isValid() || (m_before && !m_before(dialog)))
             return;
-        dialog->setProperty("answered", true);
+        dialog->setProperty("boxesBefore", boxes.seen().size());
         auto *edit = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
         auto *buttons = dialog->findChild<QDialogButtonBox *>();
         const QString name = m_typed.value(dialogs.size());
@@ -80,7 +94,65 @@ private:
 
     QTemporaryDir m_home;
     QStringList m_typed;
+    std::function<bool(QFileDialog *)> m_before;
 };
+
+/// Whether \a dialog shows \a count files of the folder \a folder, each with its icon and kind.
+bool showsFiles(QFileDialog *dialog, const QString &folder, int count)
+{
+    if (dialog->nameFilters() != QStringList{u"Any file (*)"_s})
+        dialog->setNameFilter(u"Any file (*)"_s);
+    const auto *model = dialog->findChild<QFileSystemModel *>();
+    const QModelIndex parent = model->index(folder);
+    if (model->rowCount(parent) != count)
+        return false;
+    for (int row = 0; row < count; ++row) {
+        const QModelIndex file = model->index(row, 0, parent);
+        if (file.data(QFileSystemModel::FileIconRole).value<QIcon>().isNull()
+            || file.siblingAtColumn(2).data().toString().isEmpty())
+            return false;
+    }
+    return true;
+}
+
+#ifdef Q_OS_LINUX
+/// Notes which files of a folder are opened by whomever.
+class OpenWatch
+{
+public:
+    explicit OpenWatch(const QString &folder)
+        : m_descriptor(inotify_init1(IN_NONBLOCK))
+    {
+        inotify_add_watch(m_descriptor, QFile::encodeName(folder).constData(), IN_OPEN | IN_CLOSE);
+    }
+    ~OpenWatch() { ::close(m_descriptor); }
+    Q_DISABLE_COPY_MOVE(OpenWatch)
+
+    /// The names of the files (not folders) that were opened or closed since the last call.
+    QStringList names() const
+    {
+        QStringList found;
+        alignas(inotify_event) std::array<char, 4096> buffer{};
+        while (true) {
+            const ssize_t length = ::read(m_descriptor, buffer.data(), buffer.size());
+            if (length <= 0)
+                break;
+            for (ssize_t at = 0; at < length;) {
+                inotify_event event{};
+                std::memcpy(&event, buffer.data() + at, sizeof event);
+                if (!(event.mask & IN_ISDIR))
+                    found << QString::fromLocal8Bit(buffer.data() + at + sizeof event);
+                at += static_cast<ssize_t>(sizeof event + event.len);
+            }
+        }
+        found.removeDuplicates();
+        return found;
+    }
+
+private:
+    int m_descriptor;
+};
+#endif
 
 const QString filter = u"Brindle files (*.bdl)"_s;
 } // namespace
@@ -111,8 +183,17 @@ private slots:
     void openingAFileWithoutRightsAsksAgain();
     void openingADamagedFileIsReported();
     void openingAnOldFileUpgradesIt();
+    void dialogOpensNoneOfTheFilesThatItShows_data();
+    void dialogOpensNoneOfTheFilesThatItShows();
+    void dialogKeepsTheLocksOfOpenFiles_data();
+    void dialogKeepsTheLocksOfOpenFiles();
+    void dialogMovesAndRenamesNothing_data();
+    void dialogMovesAndRenamesNothing();
 
 private:
+    void addDialogs();
+    void showDialog();
+
     QByteArray m_homeBefore;
     std::unique_ptr<TestSettings> m_settings;
     std::unique_ptr<FileManager> m_files;
@@ -194,11 +275,6 @@ void FileManagerDialogsTest::creatingAndNotReplacingKeepsTheFile()
 {
     FileUser user({u"old"_s}, {QMessageBox::No});
     QVERIFY(writeBytes(user.home(u"old.bdl"_s), "something else"));
-    // The dialog comes back after the question and is closed then.
-    QTimer::singleShot(500, m_files.get(), [] {
-        if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
-            dialog->reject();
-    });
     m_files->createFile(0);
     QCOMPARE(user.boxes.seen().size(), 1);
     QCOMPARE(m_files->getFileCount(), 0);
@@ -221,6 +297,7 @@ void FileManagerDialogsTest::creatingAnOpenFileIsRefusedAndKeepsIt_data()
     QTest::addColumn<QString>("typed");
     QTest::newRow("same name") << u"open.bdl"_s;
     QTest::newRow("symbolic link") << u"link.bdl"_s;
+    QTest::newRow("hard link") << u"hard.bdl"_s;
     QTest::newRow("doubled slash") << u".//open.bdl"_s;
 }
 
@@ -232,10 +309,14 @@ void FileManagerDialogsTest::creatingAnOpenFileIsRefusedAndKeepsIt()
     m_files->openFile(path, 0);
     m_files->getFile(0)->updateEntryBody(1, u"unsaved"_s, true);
     QVERIFY(QFile::link(path, user.home(u"link.bdl"_s)));
+    QCOMPARE(::link(QFile::encodeName(path).constData(),
+                    QFile::encodeName(user.home(u"hard.bdl"_s)).constData()),
+             0);
     m_files->createFile(0);
     QCOMPARE(user.boxes.seen().size(), 2);
     QCOMPARE(user.boxes.texts().last(), u"That file is already open."_s);
     QCOMPARE(m_files->getFileCount(), 1);
+    QVERIFY(!canBeWrittenByOthers(path));
     QVERIFY(m_files->commitAndRestartTransactions());
     QCOMPARE(rows(path, u"SELECT content FROM entrybody"_s), QStringList{u"unsaved"_s});
 }
@@ -308,8 +389,11 @@ void FileManagerDialogsTest::openingInsertsTheFileAtTheIndex()
 void FileManagerDialogsTest::cancellingTheOpenDialogShowsNothing()
 {
     FileUser user({QString()});
+    const QSignalSpy loaded(m_files.get(), &FileManager::fileLoaded);
     m_files->loadFile(0);
+    QCOMPARE(user.dialogs.size(), 1);
     QCOMPARE(user.boxes.texts(), QStringList());
+    QCOMPARE(loaded.count(), 0);
     QCOMPARE(m_files->getFileCount(), 0);
 }
 
@@ -365,6 +449,109 @@ void FileManagerDialogsTest::openingAnOldFileUpgradesIt()
     QCOMPARE(m_files->getFileCount(), 1);
     QCOMPARE(firstDifference(dump(user.home(u"Old file 2.bdl"_s)), expectedDump(u"Old file 2"_s)),
              QString());
+}
+
+void FileManagerDialogsTest::addDialogs()
+{
+    QTest::addColumn<bool>("create");
+    QTest::newRow("create") << true;
+    QTest::newRow("open") << false;
+}
+
+void FileManagerDialogsTest::showDialog()
+{
+    QFETCH(bool, create);
+    if (create)
+        m_files->createFile(0);
+    else
+        m_files->loadFile(0);
+}
+
+void FileManagerDialogsTest::dialogOpensNoneOfTheFilesThatItShows_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::dialogOpensNoneOfTheFilesThatItShows()
+{
+#ifdef Q_OS_LINUX
+    FileUser user({QString()});
+    const QStringList fileNames
+        = {u"work.bdl"_s, u"notes.db"_s, u"plain"_s, u"a.txt"_s, u"picture.png"_s, u"b.desktop"_s};
+    for (const QString &name : fileNames)
+        QVERIFY(writeBytes(user.home(name), "content"));
+    // Where a dialog starts that is told of no folder.
+    const QString formerFolder = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(user.home(QString())));
+    const OpenWatch watch(user.home(QString()));
+    user.beforeAnswering([&](QFileDialog *dialog) {
+        return showsFiles(dialog, user.home(QString()), static_cast<int>(fileNames.size()));
+    });
+    showDialog();
+    QVERIFY(QDir::setCurrent(formerFolder));
+    QCOMPARE(user.dialogs.size(), 1);
+    QCOMPARE(watch.names(), QStringList());
+    // The watch does notice an opened file.
+    QFile opened(user.home(u"plain"_s));
+    QVERIFY(opened.open(QFile::ReadOnly));
+    QCOMPARE(watch.names(), QStringList{u"plain"_s});
+#else
+    QSKIP("this system doesn't tell which files are opened");
+#endif
+}
+
+void FileManagerDialogsTest::dialogKeepsTheLocksOfOpenFiles_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::dialogKeepsTheLocksOfOpenFiles()
+{
+    FileUser user({QString()});
+    const QStringList paths
+        = {user.home(u"work.bdl"_s), user.home(u"notes.db"_s), user.home(u"plain"_s)};
+    for (const QString &path : paths) {
+        m_files->openFile(path, 0);
+        m_files->getFile(0)->updateEntryBody(1, u"unsaved"_s, true);
+    }
+    // Each with its journal.
+    user.beforeAnswering([&](QFileDialog *dialog) {
+        return showsFiles(dialog, user.home(QString()), 2 * static_cast<int>(paths.size()));
+    });
+    showDialog();
+    QCOMPARE(user.dialogs.size(), 1);
+    for (const QString &path : paths)
+        QVERIFY2(!canBeWrittenByOthers(path), qPrintable(path));
+    QVERIFY(m_files->commitAndRestartTransactions());
+    for (const QString &path : paths) {
+        QCOMPARE(rows(path, u"SELECT content FROM entrybody"_s), QStringList{u"unsaved"_s});
+        QVERIFY(canBeWrittenByOthers(path));
+    }
+}
+
+void FileManagerDialogsTest::dialogMovesAndRenamesNothing_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::dialogMovesAndRenamesNothing()
+{
+    FileUser user({QString()});
+    int views = 0;
+    user.beforeAnswering([&views](QFileDialog *dialog) {
+        for (const QString &name : {u"listView"_s, u"treeView"_s}) {
+            const auto *view = dialog->findChild<QAbstractItemView *>(name);
+            views += view && view->dragDropMode() == QAbstractItemView::NoDragDrop
+                    && !view->acceptDrops() && !view->dragEnabled()
+                    && view->editTriggers() == QAbstractItemView::NoEditTriggers
+                    && view->contextMenuPolicy() == Qt::NoContextMenu
+                ? 1
+                : 0;
+        }
+        return true;
+    });
+    showDialog();
+    QCOMPARE(views, 2);
 }
 
 QTEST_MAIN(FileManagerDialogsTest)

@@ -138,6 +138,40 @@ bool StoreTest::writeBytes(const QString &path, const QByteArray &content)
     return file.open(QFile::WriteOnly) && file.write(content) == content.size();
 }
 
+bool StoreTest::canBeWrittenByOthers(const QString &path)
+{
+    const QString script = uR"(
+import sqlite3, sys
+connection = sqlite3.connect(sys.argv[1], isolation_level=None, timeout=0)
+try:
+    connection.execute("BEGIN IMMEDIATE")
+    print("got it")
+except sqlite3.OperationalError as error:
+    print(error)
+)"_s;
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(u"python3"_s, {u"-c"_s, script, path});
+    process.waitForFinished(15000);
+    const QByteArray answer = process.readAllStandardOutput().trimmed();
+    if (answer != "got it" && answer != "database is locked")
+        qFatal("the other process could not try: %s", answer.constData());
+    return answer == "got it";
+}
+
+bool StoreTest::damagePage(const QString &path, const QString &name, int number)
+{
+    const QStringList pages = rows(
+        path,
+        u"SELECT pageno FROM dbstat WHERE name='%1' AND pagetype='leaf' ORDER BY path"_s.arg(name));
+    const int pageSize = rows(path, u"PRAGMA page_size"_s).value(0).toInt();
+    bool isNumber = false;
+    const int page = pages.value(number).toInt(&isNumber);
+    QFile file(path);
+    return isNumber && file.open(QFile::ReadWrite) && file.seek(qint64(page - 1) * pageSize)
+        && file.write(QByteArray(pageSize, '\xff')) == pageSize;
+}
+
 QStringList StoreTest::storedFiles()
 {
     QSettings settings;
@@ -232,20 +266,24 @@ QString StoreTest::detail(const DiskStore::FileException &e, const QString &labe
 }
 
 StoreTest::OtherProcess::OtherProcess(const QString &path, const QStringList &statements,
-                                      double seconds)
+                                      double seconds, const QString &last)
 {
     const QString script = uR"(
 import select, sqlite3, sys
 connection = sqlite3.connect(sys.argv[1], isolation_level=None, timeout=0)
-for statement in sys.argv[3:]:
+for statement in sys.argv[4:]:
     connection.execute(statement).fetchall()
 print("holding", flush=True)
 select.select([sys.stdin], [], [], float(sys.argv[2]))
+if connection.in_transaction:
+    connection.execute("PRAGMA busy_timeout=15000")
+    connection.execute(sys.argv[3])
 connection.close()
 )"_s;
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(u"python3"_s,
-                    QStringList{u"-c"_s, script, path, QString::number(seconds)} + statements);
+                    QStringList{u"-c"_s, script, path, QString::number(seconds), last}
+                        + statements);
     m_holding = m_process.waitForReadyRead(15000) && m_process.readLine().startsWith("holding");
 }
 

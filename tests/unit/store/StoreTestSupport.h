@@ -35,6 +35,12 @@ QString change(const QString &path, const QStringList &statements);
 /// What is in the file at \a path, byte by byte.
 QByteArray bytes(const QString &path);
 bool writeBytes(const QString &path, const QByteArray &content);
+/// Overwrites one page of the file at \a path, which no store may have open: the \a number th (from
+/// 0) of those that hold the rows of the table or index \a name, in their order.
+bool damagePage(const QString &path, const QString &name, int number);
+
+/// Whether another process gets the write lock of the file at \a path (and gives it back at once).
+bool canBeWrittenByOthers(const QString &path);
 
 /// "key=path" of each file that the settings list, sorted by key as text.
 QStringList storedFiles();
@@ -65,11 +71,12 @@ QString bareText(const std::function<void()> &action);
 QString detail(const DiskStore::FileException &e, const QString &label);
 
 /// Another process with an SQL connection of its own, which runs the statements given and then
-/// keeps its locks until it is let go, or for the time given.
+/// keeps its locks until it is let go, or for the time given; \a last is what it does then.
 class OtherProcess
 {
 public:
-    OtherProcess(const QString &path, const QStringList &statements, double seconds = 600);
+    OtherProcess(const QString &path, const QStringList &statements, double seconds = 600,
+                 const QString &last = QStringLiteral("ROLLBACK"));
     ~OtherProcess();
     /// Whether it has got so far that its locks are held.
     bool isHolding() const { return m_holding; }
