@@ -10,10 +10,13 @@ QEvent::Type Refusal::eventType()
     return type;
 }
 
-void Refusal::refuse()
+void Refusal::refuse(QWidget *concerned)
 {
     QApplication::beep();
-    if (QWidget *window = QApplication::activeWindow()) {
+    QWidget *active = QApplication::activeWindow();
+    for (QWidget *window : {active, concerned == active ? nullptr : concerned}) {
+        if (!window)
+            continue;
         QEvent event(eventType());
         QCoreApplication::sendEvent(window, &event);
     }

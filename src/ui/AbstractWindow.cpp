@@ -3,6 +3,7 @@
 
 #include "platform/NativeSupport.h"
 #include "shared/Refusal.h"
+#include "ui/RefusalFlash.h"
 #include "ui/ScreenPlacement.h"
 
 #include <QApplication>
@@ -29,6 +30,7 @@ QPoint framePosition(const QWidget *window)
 
 AbstractWindow::AbstractWindow(QWidget *parent, Qt::WindowFlags flags)
     : QDialog(parent, flags)
+    , m_refusalFlash(new RefusalFlash(this))
     , m_saveTimer(new QTimer(this))
     , m_settleTimer(new QTimer(this))
 {
@@ -152,7 +154,7 @@ void AbstractWindow::savePendingPlace()
     saveConfigInSettings();
 }
 
-void AbstractWindow::belongTo(const QWidget &owner)
+void AbstractWindow::belongTo(QWidget &owner)
 {
     m_owner = &owner;
 }
@@ -183,6 +185,8 @@ bool AbstractWindow::event(QEvent *event)
 {
     if (event->type() == Refusal::eventType()) {
         showRefusal();
+        if (m_owner)
+            QCoreApplication::sendEvent(m_owner, event);
         return true;
     }
     return QDialog::event(event);
@@ -209,7 +213,15 @@ void AbstractWindow::hideEvent(QHideEvent *event)
         emit hiding();
 }
 
-void AbstractWindow::showRefusal() { }
+void AbstractWindow::showRefusal()
+{
+    flashAround(this);
+}
+
+void AbstractWindow::flashAround(const QWidget *part)
+{
+    m_refusalFlash->flashOver(part);
+}
 
 void AbstractWindow::moveOntoScreen()
 {

@@ -8,6 +8,8 @@
 #include <QTimer>
 #include <optional>
 
+class RefusalFlash;
+
 /// Base of every top-level window: it remembers its place in the settings, comes up there and in
 /// front in one call, and hides when the application steps back.
 class AbstractWindow : public QDialog
@@ -31,8 +33,9 @@ public:
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
 
-    /// Has the desktop keep this window in front of \a owner from its next showing on.
-    void belongTo(const QWidget &owner);
+    /// Has the desktop keep this window in front of \a owner from its next showing on. What is
+    /// refused here is shown in \a owner, too: it works on what that window shows.
+    void belongTo(QWidget &owner);
 
     void setVisible(bool visible) override;
 
@@ -51,8 +54,11 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
-    /// Shows the user that an action was refused; the beep alone is silent on many desktops.
+    /// Shows the user that an action was refused, the beep being silent on many desktops: the
+    /// whole window flashes.
     virtual void showRefusal();
+    /// A coloured frame appears around \a part, which is inside this window, for a moment.
+    void flashAround(const QWidget *part);
 
 private:
     /// A place chosen by the program because the stored one is outside every screen.
@@ -71,7 +77,8 @@ private:
     bool standsAtCorrectedPlace();
     void clearMinimized();
 
-    QPointer<const QWidget> m_owner; ///< The window that this one stays in front of.
+    QPointer<QWidget> m_owner; ///< The window that this one stays in front of.
+    RefusalFlash *m_refusalFlash; ///< Owned through Qt's parents.
     QSettings m_settings;
     QTimer *m_saveTimer;
     std::optional<Correction> m_correction;

@@ -161,7 +161,7 @@ void AppCommandFilter::showWindow(std::unique_ptr<Window> &window, Source *sourc
 void AppCommandFilter::exitApplication()
 {
     if (!m_model->writeEditedText())
-        Refusal::refuse();
+        Refusal::refuse(m_mainWindow);
     else
         m_fileManager->promptUserToMaybeSaveChangesAndExit();
 }

@@ -62,6 +62,9 @@ void CheckForUpdates::checkForUpdates()
 {
     QNetworkRequest request(announcementUrl());
     request.setRawHeader("User-Agent", "AD");
+    // The toolkit would name the user's language, and what it can unpack depends on its build.
+    request.setRawHeader("Accept-Language", "en,*");
+    request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
     // The server is told the version and nothing else, so it isn't reminded of an earlier visit.

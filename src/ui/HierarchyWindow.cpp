@@ -9,7 +9,6 @@
 #include "ui/CommandLog.h"
 #include "ui/EntryTextEdit.h"
 #include "ui/KeyPress.h"
-#include "ui/RefusalFlash.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -120,7 +119,7 @@ void HierarchyWindow::closeEvent(QCloseEvent *event)
 
 void HierarchyWindow::showRefusal()
 {
-    m_refusalFlash->flashOver(m_stack);
+    flashAround(m_stack);
 }
 
 void HierarchyWindow::keyPressEvent(QKeyEvent *event)

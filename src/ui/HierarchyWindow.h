@@ -15,7 +15,6 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
-class RefusalFlash;
 
 /// The main window: the current entry in an editor, one line each of its parent and its neighbours,
 /// and every command by a key. Between the files it offers to open or create one instead.
@@ -115,5 +114,4 @@ private:
     QLabel *m_fileLabel = nullptr;
     QWidget *m_followingStateBar = nullptr;
     QLabel *m_followingLabel = nullptr;
-    RefusalFlash *m_refusalFlash = nullptr;
 };

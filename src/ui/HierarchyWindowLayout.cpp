@@ -2,7 +2,6 @@
 #include "ui/HierarchyWindow.h"
 
 #include "ui/EntryTextEdit.h"
-#include "ui/RefusalFlash.h"
 
 #include <QFrame>
 #include <QGridLayout>
@@ -45,8 +44,6 @@ void HierarchyWindow::buildLayout()
     narrow(containerLayout, 0);
     containerLayout->addSpacing(indentation);
     containerLayout->addLayout(buildGrid());
-
-    m_refusalFlash = new RefusalFlash(this);
 }
 
 QBoxLayout *HierarchyWindow::buildParentRow()

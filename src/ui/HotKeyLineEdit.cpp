@@ -36,11 +36,11 @@ void Settings::HotKeyLineEdit::keyPressEvent(QKeyEvent *event)
         event->accept();
         return;
     }
+    // Left to the dialog, a refused Enter of the keypad would press OK.
+    event->accept();
     if (event->modifiers() != Qt::NoModifier) {
-        event->ignore();
         Refusal::refuse();
         return;
     }
-    event->accept();
     m_settings->setHotkey(event->key(), event->nativeVirtualKey());
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/UpdateTextBrowser.h"
 
+#include "ui/AnnouncementPage.h"
+
 #include <QDesktopServices>
 #include <QImage>
 
@@ -16,10 +18,18 @@ UpdateTextBrowser::UpdateTextBrowser(QWidget *parent)
     });
 }
 
+void UpdateTextBrowser::showPage(const QString &page)
+{
+    const AnnouncementPage announcement(page);
+    if (const std::optional<QString> html = announcement.html())
+        setHtml(*html);
+    else
+        setPlainText(announcement.plainText());
+}
+
 QVariant UpdateTextBrowser::loadResource(int type, const QUrl &name)
 {
-    if (name.scheme() == u"data"_s)
-        return QVariant(); // lies in the page itself; the document decodes it
+    Q_UNUSED(name)
     // A page from outside could otherwise show the user's own files, or call home at every layout.
     // The document opens the file itself when it is given nothing, or a picture that is empty.
     if (type == QTextDocument::ImageResource) {

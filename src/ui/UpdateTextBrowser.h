@@ -12,6 +12,9 @@ class UpdateTextBrowser : public QTextBrowser
 public:
     explicit UpdateTextBrowser(QWidget *parent = nullptr);
 
+    /// Shows \a page as HTML, or as plain text when it exceeds the bounds of AnnouncementPage.
+    void showPage(const QString &page);
+
     QVariant loadResource(int type, const QUrl &name) override;
 
     /// Whether a link may be handed to the system's browser.

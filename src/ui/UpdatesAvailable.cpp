@@ -25,7 +25,7 @@ UpdatesAvailable::UpdatesAvailable(const QString &html, AbstractWindow *parent)
 
     m_form->setupUi(this);
     setWindowTitle(tr("Updates Available"));
-    m_form->textBrowser->setHtml(html);
+    m_form->textBrowser->showPage(html);
     m_laterButton = m_form->buttonBox->addButton(tr("Update later"), QDialogButtonBox::RejectRole);
     m_stopButton = m_form->buttonBox->addButton(tr("Stop checking for updates"),
                                                 QDialogButtonBox::DestructiveRole);

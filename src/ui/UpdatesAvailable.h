@@ -17,7 +17,8 @@ class UpdatesAvailable : public AbstractWindow
     Q_OBJECT
 
 public:
-    /// Shows \a html; an announcement still on the screen is closed first.
+    /// Shows \a html as far as it stays within bounds; an announcement still on the screen is
+    /// closed first.
     UpdatesAvailable(const QString &html, AbstractWindow *parent);
     ~UpdatesAvailable() override;
 

@@ -36,6 +36,13 @@ bool isShown(QWidget &window)
 }
 } // namespace
 
+/// As the base makes it.
+class PlainWindow : public AbstractWindow
+{
+public:
+    QString getWindowName() const override { return u"PlainWindow"_s; }
+};
+
 class AbstractWindowTest : public QObject
 {
     Q_OBJECT
@@ -57,6 +64,8 @@ private slots:
     void correctedPlaceIsStoredOnceTheUserMovesTheWindow();
     void placeThatMeetsAScreenIsLeftAsItIs();
     void refusalReachesTheHook();
+    void refusalFlashesTheWholeWindow();
+    void refusalIsShownInTheOwnerToo();
 };
 
 void AbstractWindowTest::firstRunKeepsTheConstructorsPlaceAndOneMoveStoresIt()
@@ -290,6 +299,38 @@ void AbstractWindowTest::refusalReachesTheHook()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     Refusal::refuse();
     QCOMPARE(window.refusals, 1);
+}
+
+void AbstractWindowTest::refusalFlashesTheWholeWindow()
+{
+    const TestSettings settings;
+    PlainWindow window;
+    window.resize(300, 200);
+    window.restoreShowAndActivate();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    auto *flash = window.findChild<QWidget *>(u"refusalFlash"_s);
+    QVERIFY(!flash->isVisible());
+    Refusal::refuse();
+    QVERIFY(flash->isVisible());
+    QCOMPARE(flash->geometry(), window.rect());
+    QCOMPARE(window.grab().toImage().pixelColor(1, 1).name(), u"#bb6600"_s);
+    QTRY_VERIFY(!flash->isVisible());
+}
+
+void AbstractWindowTest::refusalIsShownInTheOwnerToo()
+{
+    const TestSettings settings;
+    SomeWindow owner;
+    owner.restoreShowAndActivate();
+    SomeWindow tool;
+    tool.belongTo(owner);
+    tool.restoreShowAndActivate();
+    QVERIFY(QTest::qWaitForWindowActive(&tool));
+    Refusal::refuse();
+    QCOMPARE(tool.refusals, 1);
+    QCOMPARE(owner.refusals, 1);
+    Refusal::refuse(&tool);
+    QCOMPARE(tool.refusals, 2);
 }
 
 QTEST_MAIN(AbstractWindowTest)

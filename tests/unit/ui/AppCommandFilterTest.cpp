@@ -82,6 +82,8 @@ private slots:
     void exitIsNotStoppedByTheVisibleMainWindow();
     void exitWritesTheEditedTextFirst();
     void exitWithTextThatCannotBeWrittenIsRefusedAndQuitsNothing();
+    void exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow_data();
+    void exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow();
     void exitCancelledLeavesEverythingAsItWas();
     void autoRepeatNeverRepeatsExitAndDiscard();
     void aRepeatIsKnownByItsTimeAlone();
@@ -234,6 +236,34 @@ void AppCommandFilterTest::exitWithTextThatCannotBeWrittenIsRefusedAndQuitsNothi
     QCOMPARE(desk.refusals->count(), 1);
     QCOMPARE(answer.count(), 0);
     QVERIFY(desk.window->isVisible());
+}
+
+void AppCommandFilterTest::exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("find window") << int(Qt::Key_F);
+    QTest::newRow("to-do list") << int(Qt::Key_E);
+    QTest::newRow("report range") << int(Qt::Key_R);
+    QTest::newRow("settings") << int(Qt::Key_Comma);
+    QTest::newRow("help") << int(Qt::Key_Slash);
+}
+
+void AppCommandFilterTest::exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow()
+{
+    QFETCH(int, key);
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.editor()->selectAll();
+    desk.press(Qt::Key_Delete); // a file's entry can't be empty
+    desk.press(key, ctrl);
+    const QList<AbstractWindow *> windows = openWindows(desk);
+    QCOMPARE(windows.size(), 1);
+    QVERIFY(QTest::qWaitForWindowActive(windows.first()));
+    QVERIFY(!UiDesk::isFlashing(*windows.first()));
+    pressIn(*windows.first(), Qt::Key_Q, ctrl);
+    QVERIFY(UiDesk::isFlashing(*windows.first()));
+    QVERIFY(desk.flashing());
 }
 
 void AppCommandFilterTest::exitCancelledLeavesEverythingAsItWas()

@@ -80,6 +80,8 @@ private slots:
     void shiftAInTheKeyFieldIsRefusedAndChangesNothing();
     void anyModifierIsRefused_data();
     void anyModifierIsRefused();
+    void enterOfTheKeypadInTheFieldIsRefusedAndPressesNoButton();
+    void aRefusedKeyGoesNoFurther();
     void tabInTheFieldMakesTabTheHotkey();
     void pressedKeyReplacesTheWholeText();
     void modifierLockAndGroupKeysAndKeyZeroAreIgnored_data();
@@ -184,6 +186,29 @@ void SettingsTest::anyModifierIsRefused()
         desk.pressNative(key, 0x61, Qt::KeyboardModifiers::fromInt(modifiers));
     QCOMPARE(refusals->count(), 3);
     QCOMPARE(desk.keyField()->text(), u"Space"_s);
+}
+
+void SettingsTest::enterOfTheKeypadInTheFieldIsRefusedAndPressesNoButton()
+{
+    SettingsDesk desk;
+    const auto *refusals = new RefusalWatch(&desk.dialog);
+    desk.show();
+    desk.enterKeyField();
+    desk.pressNative(Qt::Key_Enter, 0xff8d, Qt::KeypadModifier);
+    QVERIFY(desk.dialog.isVisible());
+    QCOMPARE(refusals->count(), 1);
+    QCOMPARE(desk.keyField()->text(), u"Space"_s);
+    QVERIFY(QSettings().allKeys().filter(u"activation"_s).isEmpty());
+}
+
+void SettingsTest::aRefusedKeyGoesNoFurther()
+{
+    SettingsDesk desk;
+    desk.show();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::ShiftModifier);
+    press.ignore();
+    QCoreApplication::instance()->notify(desk.keyField(), &press);
+    QVERIFY(press.isAccepted());
 }
 
 void SettingsTest::tabInTheFieldMakesTabTheHotkey()

@@ -94,6 +94,7 @@ private slots:
     void addingShowsTheListWithTheEntrySelected();
     void hidesWithTheApplication();
     void aJumpToAMissingEntryHidesAllTheSame();
+    void aRefusedJumpFlashesTheMainWindow();
     void rowsVanishWithTheirFile();
     void theSelectedRowOutlivesARebuiltList_data();
     void theSelectedRowOutlivesARebuiltList();
@@ -355,6 +356,19 @@ void TodoListWindowTest::aJumpToAMissingEntryHidesAllTheSame()
     desk.pressInList(Qt::Key_Return);
     QCOMPARE(log.count(u"exception in jumpToEntryInHierarchy: bad"_s), 1);
     QVERIFY(!desk.todoWindow->isVisible());
+}
+
+// The list hides at once, so it can't show it.
+void TodoListWindowTest::aRefusedJumpFlashesTheMainWindow()
+{
+    TodoWindowDesk desk;
+    desk.editor()->selectAll();
+    desk.press(Qt::Key_Delete); // a file's entry can't be empty
+    desk.open();
+    desk.pressInList(Qt::Key_Return);
+    QVERIFY(!desk.todoWindow->isVisible());
+    QVERIFY(desk.flashing());
+    QCOMPARE(desk.refusals->count(), 1);
 }
 
 void TodoListWindowTest::rowsVanishWithTheirFile()

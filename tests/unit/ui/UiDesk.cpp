@@ -65,6 +65,8 @@ UiDesk::UiDesk()
         &model, &activation, native.getShortcutModifier().toInt(), native.getShortcutModifierKey());
     todoWindow = std::make_unique<TodoListWindow>(&todos);
     findWindow = std::make_unique<FindWindow>(&files, nullptr);
+    todoWindow->belongTo(*window);
+    findWindow->belongTo(*window);
     filter = std::make_unique<AppCommandFilter>(&files, window.get(), &model, todoWindow.get(),
                                                 findWindow.get(), &native, &activation);
     refusals = std::make_unique<RefusalCounter>(window.get());

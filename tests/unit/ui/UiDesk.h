@@ -97,7 +97,11 @@ public:
     }
     QString label(const char *name) const { return child<QLabel>(name)->text(); }
     QPlainTextEdit *editor() const { return child<QPlainTextEdit>("entryEdit"); }
-    bool flashing() const { return child<QWidget>("refusalFlash")->isVisible(); }
+    bool flashing() const { return isFlashing(*window); }
+    static bool isFlashing(const QWidget &window)
+    {
+        return window.findChild<QWidget *>(QStringLiteral("refusalFlash"))->isVisible();
+    }
 
     TestSettings settings;
     FileManager files;

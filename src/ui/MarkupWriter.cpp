@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+#include "ui/MarkupWriter.h"
+
+#include "ui/AnnouncementPage.h"
+#include "ui/MarkupAttributes.h"
+
+#include <QHash>
+#include <QRegularExpression>
+#include <QSet>
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+const QStringList tables{u"table"_s};
+const QStringList rowHolders{u"table"_s, u"thead"_s, u"tbody"_s, u"tfoot"_s};
+const QStringList rowGroups{u"thead"_s, u"tbody"_s, u"tfoot"_s};
+const QStringList cells{u"td"_s, u"th"_s};
+const QStringList lists{u"ul"_s, u"ol"_s};
+const QStringList indented{u"ul"_s, u"ol"_s, u"dl"_s, u"blockquote"_s};
+const QStringList withoutContent{u"br"_s, u"hr"_s};
+
+bool isInline(const QString &element)
+{
+    static const QSet<QString> known{
+        u"a"_s,   u"b"_s,     u"strong"_s, u"i"_s,    u"em"_s,   u"u"_s,    u"s"_s,   u"del"_s,
+        u"big"_s, u"small"_s, u"sub"_s,    u"sup"_s,  u"tt"_s,   u"code"_s, u"kbd"_s, u"samp"_s,
+        u"var"_s, u"cite"_s,  u"dfn"_s,    u"span"_s, u"font"_s, u"br"_s};
+    return known.contains(element);
+}
+
+bool isBlock(const QString &element)
+{
+    static const QSet<QString> known{
+        u"p"_s,   u"div"_s,     u"center"_s, u"h1"_s, u"h2"_s, u"h3"_s, u"h4"_s, u"h5"_s, u"h6"_s,
+        u"pre"_s, u"address"_s, u"hr"_s,     u"li"_s, u"dt"_s, u"dd"_s, u"tr"_s, u"td"_s, u"th"_s};
+    return known.contains(element) || indented.contains(element) || rowHolders.contains(element);
+}
+
+/// Characters that the toolkit's documents keep for themselves, and those that stand for nothing.
+bool isForText(char32_t character)
+{
+    const bool isControl = character < U' ' && character != U'\t' && character != U'\n';
+    const bool isKept = character == QChar::ObjectReplacementCharacter
+        || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
+    return !isControl && !isKept && character <= QChar::LastValidCodePoint
+        && !QChar::isSurrogate(character) && !QChar::isNonCharacter(character);
+}
+
+int spanOf(const QList<MarkupReader::Attribute> &attributes, QLatin1StringView name)
+{
+    for (const MarkupReader::Attribute &attribute : attributes) {
+        if (attribute.name == name)
+            return std::max(1, MarkupAttributes::decoded(attribute.value).trimmed().toInt());
+    }
+    return 1;
+}
+} // namespace
+
+bool MarkupWriter::add(const MarkupReader::Token &token)
+{
+    switch (token.kind) {
+    case MarkupReader::Token::Kind::Text:
+        return addText(token.text);
+    case MarkupReader::Token::Kind::Start:
+        return begin(token);
+    case MarkupReader::Token::Kind::End:
+        end(token.text);
+        return true;
+    }
+    return false;
+}
+
+QString MarkupWriter::finish()
+{
+    while (!m_open.isEmpty())
+        endLast();
+    return m_html;
+}
+
+bool MarkupWriter::addText(const QString &text)
+{
+    static const QRegularExpression reference(u"&[a-zA-Z][a-zA-Z0-9]{1,9};"_s);
+    m_lines += static_cast<int>(text.count(u'\n'));
+    for (const QChar character : text) {
+        if (character == u'&' || character == u'<' || character == u'>')
+            ++m_references;
+    }
+    if (m_references > AnnouncementPage::mostCharacterReferences
+        || m_lines > AnnouncementPage::mostLines)
+        return false;
+    const QString decoded = MarkupAttributes::decoded(text);
+    // Only blanks can stand between the rows of a table without upsetting its layout.
+    if (isAmongRows())
+        return decoded.trimmed().isEmpty();
+    const QList<uint> characters = decoded.toUcs4();
+    for (qsizetype i = 0, position = 0; i < characters.size(); ++i) {
+        const char32_t character = characters.at(i);
+        if (character == U'&') {
+            const QRegularExpressionMatch match
+                = reference.match(decoded, position, QRegularExpression::NormalMatch,
+                                  QRegularExpression::AnchorAtOffsetMatchOption);
+            m_html += match.hasMatch() ? u"&"_s : u"&amp;"_s;
+            if (++m_wordLength > AnnouncementPage::longestWord)
+                return false;
+        } else if (!write(character)) {
+            return false;
+        }
+        position += QChar::requiresSurrogates(character) ? 2 : 1;
+    }
+    return true;
+}
+
+bool MarkupWriter::write(char32_t character)
+{
+    if (character == U'\r')
+        character = U'\n';
+    if (!isForText(character))
+        return true;
+    if (character == U' ' || character == U'\n' || character == U'\t')
+        m_wordLength = 0;
+    else if (++m_wordLength > AnnouncementPage::longestWord)
+        return false;
+    if (character == U'<')
+        m_html += u"&lt;"_s;
+    else if (character == U'>')
+        m_html += u"&gt;"_s;
+    else
+        m_html += QString::fromUcs4(&character, 1);
+    return true;
+}
+
+bool MarkupWriter::begin(const MarkupReader::Token &tag)
+{
+    for (const MarkupReader::Attribute &attribute : tag.attributes) {
+        if (!MarkupAttributes::isWithinBounds(attribute))
+            return false;
+    }
+    if (tag.text == "img"_L1)
+        return addPictureText(tag);
+    if (!isInline(tag.text) && !isBlock(tag.text))
+        return true;
+    endWhatCannotHold(tag.text);
+    return !mayStandHere(tag.text) || beginElement(tag);
+}
+
+/// No picture is ever fetched; what stands for it is all there is to see.
+bool MarkupWriter::addPictureText(const MarkupReader::Token &tag)
+{
+    for (const MarkupReader::Attribute &attribute : tag.attributes) {
+        if (attribute.name == "alt"_L1)
+            return addText(attribute.value);
+    }
+    return true;
+}
+
+bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
+{
+    if (isAmongRows() && !cells.contains(tag.text) && !rowHolders.contains(tag.text)
+        && tag.text != "tr"_L1)
+        return false;
+    if (++m_elements > AnnouncementPage::mostElements)
+        return false;
+    if (cells.contains(tag.text) && !countCell(tag.attributes))
+        return false;
+    m_html += u'<' + tag.text;
+    QSet<QString> seen;
+    for (const MarkupReader::Attribute &attribute : tag.attributes) {
+        if (!seen.contains(attribute.name))
+            m_html += MarkupAttributes::written(tag.text, attribute);
+        seen << attribute.name;
+    }
+    m_html += u'>';
+    if (isBlock(tag.text) || tag.text == "br"_L1)
+        m_wordLength = 0;
+    if (withoutContent.contains(tag.text))
+        return true;
+    m_open << tag.text;
+    if (tag.text == "table"_L1)
+        m_columns << 0;
+    else if (tag.text == "tr"_L1)
+        m_columns.last() = 0;
+    return m_open.size() <= AnnouncementPage::deepestNesting
+        && openCount(tables) <= AnnouncementPage::deepestTables
+        && openCount(indented) <= AnnouncementPage::deepestIndentation;
+}
+
+bool MarkupWriter::countCell(const QList<MarkupReader::Attribute> &attributes)
+{
+    const int columns = spanOf(attributes, "colspan"_L1);
+    m_columns.last() += columns;
+    m_cells += columns * spanOf(attributes, "rowspan"_L1);
+    return m_columns.last() <= AnnouncementPage::mostColumns
+        && m_cells <= AnnouncementPage::mostCells;
+}
+
+void MarkupWriter::end(const QString &element)
+{
+    // An end tag reaches out of no cell, but for those of the table itself.
+    const bool isOfTable
+        = cells.contains(element) || rowHolders.contains(element) || element == "tr"_L1;
+    endNearest({element}, element == "table"_L1 ? QStringList() : isOfTable ? tables : cells);
+}
+
+/// Many end tags may be left out: the next element of the kind says that the last one is over.
+void MarkupWriter::endWhatCannotHold(const QString &element)
+{
+    if (isInline(element))
+        return;
+    if (cells.contains(element)) {
+        endNearest(cells, tables);
+    } else if (element == "tr"_L1) {
+        endNearest({u"tr"_s}, tables);
+    } else if (rowGroups.contains(element)) {
+        endNearest(rowGroups, tables);
+        endNearest({u"tr"_s}, tables);
+    } else {
+        endNearest({u"p"_s}, cells + indented + QStringList{u"li"_s, u"dd"_s, u"div"_s});
+    }
+    if (element == "li"_L1)
+        endNearest({u"li"_s}, lists + cells);
+    else if (element == "dt"_L1 || element == "dd"_L1)
+        endNearest({u"dt"_s, u"dd"_s}, QStringList{u"dl"_s} + cells);
+}
+
+/// Ends the innermost open one of \a elements, with all that is inside, unless one of \a within
+/// lies between.
+void MarkupWriter::endNearest(const QStringList &elements, const QStringList &within)
+{
+    for (qsizetype i = m_open.size() - 1; i >= 0; --i) {
+        if (elements.contains(m_open.at(i))) {
+            while (m_open.size() > i)
+                endLast();
+            return;
+        }
+        if (within.contains(m_open.at(i)))
+            return;
+    }
+}
+
+void MarkupWriter::endLast()
+{
+    const QString element = m_open.takeLast();
+    m_html += u"</"_s + element + u'>';
+    if (isBlock(element))
+        m_wordLength = 0;
+    if (element == "table"_L1)
+        m_columns.removeLast();
+}
+
+/// Rows and cells stand in tables only, items in lists; elsewhere their tags mean nothing.
+bool MarkupWriter::mayStandHere(const QString &element) const
+{
+    const QString holder = m_open.isEmpty() ? QString() : m_open.last();
+    if (cells.contains(element))
+        return holder == "tr"_L1;
+    if (element == "tr"_L1)
+        return rowHolders.contains(holder);
+    if (rowGroups.contains(element))
+        return holder == "table"_L1;
+    if (element == "li"_L1)
+        return lists.contains(holder);
+    if (element == "dt"_L1 || element == "dd"_L1)
+        return holder == "dl"_L1;
+    return true;
+}
+
+/// Whether what comes next would stand in a table, but in none of its cells.
+bool MarkupWriter::isAmongRows() const
+{
+    return !m_open.isEmpty() && (rowHolders.contains(m_open.last()) || m_open.last() == "tr"_L1);
+}
+
+int MarkupWriter::openCount(const QStringList &elements) const
+{
+    return static_cast<int>(
+        std::count_if(m_open.begin(), m_open.end(),
+                      [&elements](const QString &element) { return elements.contains(element); }));
+}

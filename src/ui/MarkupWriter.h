@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ui/MarkupReader.h"
+
+#include <QList>
+#include <QString>
+
+/// Writes the page of an announcement anew out of its tokens: only elements, attributes and styles
+/// that are known to be harmless, always balanced. It says when the page exceeds a bound of
+/// AnnouncementPage.
+class MarkupWriter
+{
+public:
+    /// False when the page with \a token exceeds a bound; nothing more can be added then.
+    bool add(const MarkupReader::Token &token);
+    /// The whole page; elements that are still open end here.
+    QString finish();
+
+private:
+    bool addText(const QString &text);
+    bool addPictureText(const MarkupReader::Token &tag);
+    bool begin(const MarkupReader::Token &tag);
+    bool beginElement(const MarkupReader::Token &tag);
+    bool countCell(const QList<MarkupReader::Attribute> &attributes);
+    void end(const QString &element);
+    void endWhatCannotHold(const QString &element);
+    void endNearest(const QStringList &elements, const QStringList &within);
+    void endLast();
+    bool write(char32_t character);
+    bool mayStandHere(const QString &element) const;
+    bool isAmongRows() const;
+    int openCount(const QStringList &elements) const;
+
+    QString m_html;
+    QStringList m_open; ///< Elements, the outermost first.
+    QList<int> m_columns; ///< Of the current row of each open table.
+    int m_elements = 0;
+    int m_cells = 0;
+    int m_references = 0; ///< Also those that are written for what would be markup.
+    int m_lines = 0;
+    int m_wordLength = 0;
+};

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// Feeds the fuzz entrance without a fuzzing engine: pages put together at random, the same ones for
+// the same seed. "AnnouncementFuzz COUNT SEED" says how many and which; files named instead are fed
+// as they are.
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRandomGenerator>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
+
+namespace
+{
+
+const QByteArrayList names{"table", "tr",   "td",  "th",    "tbody", "thead",  "ul",   "ol",
+                           "li",    "dl",   "dt",  "dd",    "p",     "div",    "span", "font",
+                           "b",     "i",    "a",   "img",   "br",    "hr",     "pre",  "blockquote",
+                           "h1",    "body", "sub", "style", "TABLE", "center", "x-y"};
+const QByteArrayList attributes{"width",   "height", "colspan", "rowspan",    "cellpadding",
+                                "border",  "start",  "size",    "style",      "href",
+                                "src",     "align",  "bgcolor", "background", "cellspacing",
+                                "COLSPAN", "value"};
+const QByteArrayList values{"1",
+                            "3",
+                            "\"7\"",
+                            "'40'",
+                            "60000",
+                            "1000000000",
+                            "-5",
+                            "1e9",
+                            "100%",
+                            "&#49;000000",
+                            "\"&#x36;0000\"",
+                            "\"data:image/png;base64,iVBORw0KGgo=\"",
+                            "\"da\nta:text/html,x\"",
+                            "\"margin-left:9999999px\"",
+                            "\"margin-left:40px; font-size:30pt; color:red\"",
+                            "\"background-image:url(data:image/gif;base64,R0lGOD)\"",
+                            "\"unclosed"};
+const QByteArrayList pieces{"text ",     "&nbsp;",  "&#65532;", "&#xFDD0;", "&#x2028;", "&#8233;",
+                            "&#x202E;",  "&#x5D0;", "&lt;",     "&",        "<!--",     "-->",
+                            "<!doctype", "<",       ">",        "\n",       "\t",       "\xff\xa0",
+                            "&#x1F600;", "&#0;",    "</",       "=\"",      "wwwwwwwww"};
+
+class PageMaker
+{
+public:
+    explicit PageMaker(quint32 seed)
+        : m_random(seed)
+    {
+    }
+
+    QByteArray page()
+    {
+        QByteArray page;
+        const int parts = m_random.bounded(1, m_random.bounded(2, 1200));
+        for (int i = 0; i < parts; ++i)
+            page += part();
+        return page;
+    }
+
+private:
+    const QByteArray &anyOf(const QByteArrayList &list)
+    {
+        return list.at(m_random.bounded(static_cast<int>(list.size())));
+    }
+
+    QByteArray part()
+    {
+        switch (m_random.bounded(8)) {
+        case 0:
+            return "</" + anyOf(names) + ">";
+        case 1:
+        case 2:
+            return anyOf(pieces);
+        case 3:
+            return QByteArray(m_random.bounded(300), 'w') + ' ';
+        case 4: // a small table, so that there are whole ones
+            return "<table><tr><td>" + anyOf(pieces) + "<td>" + anyOf(pieces) + "</table>";
+        default:
+            return tag();
+        }
+    }
+
+    QByteArray tag()
+    {
+        QByteArray tag = "<" + anyOf(names);
+        // Most attributes exceed a bound; a page of many tags is to get through now and then.
+        for (int i = m_random.bounded(40); i < 1; ++i)
+            tag += ' ' + anyOf(attributes) + '=' + anyOf(values);
+        return tag + '>';
+    }
+
+    QRandomGenerator m_random;
+};
+
+qint64 feed(const QByteArray &page)
+{
+    QElapsedTimer time;
+    time.start();
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(page.constData()),
+                           static_cast<std::size_t>(page.size()));
+    return time.elapsed();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int count = argc > 1 ? std::atoi(argv[1]) : 0;
+    if (argc > 1 && count == 0) {
+        for (int i = 1; i < argc; ++i) {
+            QFile file(QString::fromLocal8Bit(argv[i]));
+            if (!file.open(QIODevice::ReadOnly))
+                return 1;
+            std::printf("%s: %lld ms\n", argv[i], feed(file.readAll()));
+        }
+        return 0;
+    }
+    const quint32 seed = argc > 2 ? static_cast<quint32>(std::atoi(argv[2])) : 1;
+    PageMaker maker(seed);
+    qint64 slowest = 0;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray page = maker.page();
+        const qint64 time = feed(page);
+        if (time > slowest) {
+            slowest = time;
+            QFile file(QStringLiteral("slowest-page.html"));
+            if (file.open(QIODevice::WriteOnly))
+                file.write(page);
+        }
+    }
+    std::printf("%d pages of seed %u; the slowest took %lld ms\n", count, seed, slowest);
+    return 0;
+}
