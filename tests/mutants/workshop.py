@@ -230,10 +230,12 @@ def _scratch_home():
     with tempfile.TemporaryDirectory(prefix="brindle-mutant-", ignore_cleanup_errors=True) as home:
         environment = {name: value for name, value in os.environ.items()
                        if name not in ("DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS")}
+        # A test that gives up its rights still looks into its home.
+        os.chmod(home, 0o755)
         for variable, name in (("XDG_CONFIG_HOME", "config"), ("XDG_DATA_HOME", "data"),
                                ("XDG_CACHE_HOME", "cache"), ("XDG_RUNTIME_DIR", "runtime"),
                                ("TMPDIR", "tmp")):
             environment[variable] = os.path.join(home, name)
-            os.mkdir(environment[variable], 0o700)
+            os.mkdir(environment[variable], 0o700 if name == "runtime" else 0o755)
         environment["HOME"] = home
         yield home, environment
