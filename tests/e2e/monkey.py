@@ -89,14 +89,15 @@ class Monkey:
                   flush=True)
 
     def _report(self, run, finding):
-        print(f"\nFINDING in run {self.runs}, seed {self._seed}: {finding}\n", flush=True)
+        what = f"SQLite says: {finding}" if isinstance(finding, sqlite3.Error) else str(finding)
+        print(f"\nFINDING in run {self.runs}, seed {self._seed}: {what}\n", flush=True)
         folder = os.path.join(EVIDENCE, f"seed-{self._seed}-run-{self.runs}")
         evidence.keep(folder, self._desktop, self._home, [run.brindle])
         pressed = run.hands.pressed if run.hands else []
         with open(os.path.join(folder, "keys.txt"), "w", encoding="utf-8") as file:
             file.write("".join(f"{key}\n" for key in pressed))
         with open(os.path.join(folder, "finding.txt"), "w", encoding="utf-8") as file:
-            file.write(f"{finding}\n")
+            file.write(f"{what}\n")
         print(f"The last of {len(pressed)} keys: {' '.join(pressed[-SHOWN_KEYS:])}")
         print("The log ends with:\n" + "".join(run.brindle.log().splitlines(keepends=True)[-15:]))
 

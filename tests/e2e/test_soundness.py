@@ -69,6 +69,15 @@ class Soundness(unittest.TestCase):
             file.write(b"no database at all, but long enough to be looked at" * 100)
         self.assertRegex(" ".join(soundness.faults(self.path)), "can't be read")
 
+        os.remove(self.path)
+        self.assertRegex(" ".join(soundness.faults(self.path)), "can't be read")
+        self.assertFalse(os.path.exists(self.path))
+
+    def test_any_name(self):
+        path = os.path.join(os.path.dirname(self.path), "100% #1?.bdl")
+        os.rename(self.path, path)
+        self.assertEqual(soundness.faults(path), [])
+
     def test_the_difference_of_two_contents(self):
         before = soundness.contents(self.path)
         self.change("UPDATE entrybody SET content = 'b' WHERE docid = 3")

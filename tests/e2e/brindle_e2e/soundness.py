@@ -2,6 +2,7 @@
 """What must hold for every data file at any time, whatever was done to the program; and its contents."""
 
 import sqlite3
+import urllib.parse
 from contextlib import closing
 
 # What has gone wrong when a query gives rows.
@@ -37,8 +38,8 @@ def faults(path):
     """What is wrong with a file that nobody has open, as texts; as any program opens it, it is first
     rolled back to the last state that was saved."""
     found = []
-    with closing(sqlite3.connect(path, timeout=10)) as connection:
-        try:
+    try:
+        with closing(_opened(path, "rw")) as connection:
             answers = connection.execute("PRAGMA integrity_check").fetchall()
             if answers != [("ok",)]:
                 return [f"SQLite finds the file damaged: {answers}"]
@@ -46,15 +47,14 @@ def faults(path):
                 rows = connection.execute(query).fetchall()
                 if rows:
                     found.append(f"{what}: {rows}")
-        except sqlite3.DatabaseError as error:
-            found.append(f"the file can't be read: {error}")
+    except sqlite3.Error as error:
+        found.append(f"the file can't be read: {error}")
     return found
 
 
 def contents(path, beside_program=False):
     """Everything that was saved, to be compared. Beside the program nothing is written, come what may."""
-    mode = "ro" if beside_program else "rw"
-    with closing(sqlite3.connect(f"file:{path}?mode={mode}", uri=True, timeout=30)) as connection:
+    with closing(_opened(path, "ro" if beside_program else "rw")) as connection:
         return {
             "entries": connection.execute("SELECT * FROM entry ORDER BY id").fetchall(),
             "texts": connection.execute("SELECT docid, content FROM entrybody ORDER BY docid").fetchall(),
@@ -67,3 +67,8 @@ def difference(before, after):
     return {kind: {"gone": [row for row in before[kind] if row not in after[kind]],
                    "new": [row for row in after[kind] if row not in before[kind]]}
             for kind in before if before[kind] != after[kind]}
+
+
+def _opened(path, mode):
+    # A file's name may hold what means something in an address.
+    return sqlite3.connect(f"file:{urllib.parse.quote(path)}?mode={mode}", uri=True, timeout=30)
