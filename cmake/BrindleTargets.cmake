@@ -37,10 +37,16 @@ function(brindle_configure_target target)
   target_precompile_headers(${target} REUSE_FROM brindle_pch)
 endfunction()
 
-# brindle_library(NAME SOURCES … LINKS …): one static library per folder of src/.
+# brindle_library(NAME SOURCES … LINKS …): one library per folder of src/. Shared ones let a single
+# library be exchanged under programs that are built already.
+if(BRINDLE_SHARED_LIBRARIES)
+  set(brindle_library_type SHARED)
+else()
+  set(brindle_library_type STATIC)
+endif()
 function(brindle_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
-  add_library(${name} STATIC ${ARG_SOURCES})
+  add_library(${name} ${brindle_library_type} ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC brindle_strict ${ARG_LINKS})
   brindle_configure_target(${name})
 endfunction()

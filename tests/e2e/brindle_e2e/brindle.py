@@ -202,6 +202,11 @@ class Brindle:
     def is_running(self):
         return self.process.poll() is None
 
+    def answers(self):
+        """Whether the program answers a question on the accessibility bus, be it hidden or not."""
+        root = self._application()
+        return root is not None and root.role == "application"
+
     def has_keyboard(self):
         """Whether the keyboard is where it belongs: in the editor, or in the panel's window."""
         node = self._main_node()

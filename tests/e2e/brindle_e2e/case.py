@@ -8,6 +8,7 @@ import tempfile
 import types
 import unittest
 
+from . import evidence
 from .brindle import Brindle
 from .desktop import Desktop
 from .home import Home
@@ -105,22 +106,7 @@ class BrindleTestCase(unittest.TestCase):
     def _keep_evidence(self, *details):
         name = "-".join([self.id().replace("__main__.", ""), *map(str, details)])
         folder = os.path.join(ARTIFACTS, "".join(c if c.isalnum() or c in "-_." else "_" for c in name))
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(folder)
-        for name in os.listdir(self.desktop.folder):
-            if name.endswith(".log"):
-                shutil.copy(os.path.join(self.desktop.folder, name), folder)
-        try:
-            self.desktop.picture(os.path.join(folder, "screen.png"))
-        except Exception as error:  # a desktop that is gone must not hide how it went
-            print(f"no picture of the screen: {error}", flush=True)
-        shutil.copytree(self.home.folder, os.path.join(folder, "home"), symlinks=True,
-                        ignore=shutil.ignore_patterns("runtime", "cache", "example.*"),
-                        ignore_dangling_symlinks=True)
-        for index, brindle in enumerate(self.programs):
-            with open(os.path.join(folder, f"tree-{index}.txt"), "w", encoding="utf-8") as file:
-                file.write(brindle.report())
-        print(f"evidence of the failure is in {folder}", flush=True)
+        evidence.keep(folder, self.desktop, self.home, self.programs)
 
 
 def main():

@@ -44,6 +44,10 @@ class Desktop(Session):
             else:
                 self._xdotool("key", "--delay", "0", name)
 
+    def keys_at_once(self, *names):
+        """Presses key combinations one after the other, without a pause; no key codes."""
+        self._xdotool("key", "--delay", "0", *names)
+
     def press_hotkey(self):
         """Presses the program's activation hotkey as it is without settings."""
         self.keys("ctrl+alt+space")
