@@ -20,7 +20,8 @@ class FileManager : public QObject
     Q_OBJECT
 
 public:
-    /// Opens the files that the settings list; what can't be opened is reported and skipped.
+    /// Opens the files that the settings list; what can't be opened is reported and skipped, and
+    /// forgotten unless it is only locked by another process.
     /// \throws const char* when the settings' list is corrupt.
     FileManager();
     ~FileManager() override;
@@ -105,6 +106,9 @@ private:
     void showInformation(const QString &title, const QString &text);
 
     std::vector<std::unique_ptr<DiskStore>> m_files;
+    /// Could not be opened at start because others had locked them; remembered behind the open
+    /// ones.
+    QStringList m_lockedFiles;
     QDateTime m_unsavedSince;
     Clock m_clock = systemClock();
     QList<Failure> m_failures; ///< The first one of each store, in their order.
