@@ -167,9 +167,9 @@ bool AppLifecycle::createComponents()
         try {
             createModelsAndWindows();
             return true;
-        } catch (const DiskStore::FileException &e) {
+        } catch (const DiskStore::FileException &) {
             dropModelsAndWindows();
-            m_fileManager->fileError(e);
+            m_fileManager->handlePendingFileErrors();
         } catch (const char *text) {
             endAfterError(text);
             return false;

@@ -220,13 +220,15 @@ QSqlError DiskStore::retryWhileBusy(const QDeadlineTimer &deadline,
                                     const std::function<QSqlError()> &attempt)
 {
     QSqlError error = attempt();
-    if (!SqlErrors::isBusy(error))
+    m_lastFailureWasBusy = SqlErrors::isBusy(error);
+    if (!m_lastFailureWasBusy)
         return error;
     const std::unique_ptr<FileWait> wait
         = m_beginWait ? m_beginWait(dbFileName()) : std::make_unique<SilentWait>();
-    while (SqlErrors::isBusy(error) && !deadline.hasExpired()) {
+    while (m_lastFailureWasBusy && !deadline.hasExpired()) {
         wait->pause();
         error = attempt();
+        m_lastFailureWasBusy = SqlErrors::isBusy(error);
     }
     return error;
 }
@@ -280,8 +282,9 @@ void DiskStore::throwMessageAndEmit(const QString &message, const QString &path)
     emitAndThrow(ownError(message, path));
 }
 
-void DiskStore::emitAndThrow(const FileException &error)
+void DiskStore::emitAndThrow(FileException error)
 {
+    error.fileWasBusy = m_lastFailureWasBusy;
     qCWarning(lcStore).noquote() << error.message << QString(error.details).replace(u'\n', u"; "_s);
     emit errorOccurred(error);
     throw error;

@@ -39,6 +39,8 @@ public:
 
         QString message; ///< One sentence for the user.
         QString details; ///< The technical account, shown on demand.
+        /// Nothing but another process's lock was in the way: later it may go well.
+        bool fileWasBusy = false;
     };
 
     /// One row of a list of entries.
@@ -198,7 +200,7 @@ private:
     QList<qint64> readIds(const QString &sql);
     QString rootTextFromFileName() const;
 
-    [[noreturn]] void emitAndThrow(const FileException &error);
+    [[noreturn]] void emitAndThrow(FileException error);
 
     void prepareQueries();
     void prepareQuery(QueryType type, const QString &text);
@@ -237,6 +239,7 @@ private:
     bool m_transactionActive = false;
     bool m_updated = false;
     bool m_hasWriteLock = false;
+    bool m_lastFailureWasBusy = false;
     bool m_unusable = false;
     bool m_needsCompacting = false;
 };

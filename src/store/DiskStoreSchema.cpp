@@ -39,7 +39,9 @@ void DiskStore::beginSetUp()
 
 bool DiskStore::executeSetUp(QSqlQuery &query, const QString &sql)
 {
-    if (query.exec(sql))
+    const bool done = query.exec(sql);
+    m_lastFailureWasBusy = !done && SqlErrors::isBusy(query.lastError());
+    if (done)
         return true;
     qCWarning(lcStore) << "statement failed:" << query.lastError() << sql;
     return false;

@@ -85,12 +85,12 @@ void FileManager::connectStore(DiskStore *store)
 
 void FileManager::queueError(DiskStore *store, const DiskStore::FileException &e)
 {
-    // One error closes the file; what else fails on the way there is only of technical interest.
-    if (m_failedStores.contains(store)) {
-        qCDebug(lcStore).noquote() << "further error:" << e.message << e.details;
+    // One error closes the file; what else fails on the way there is only of technical interest,
+    // and logged already.
+    const auto isOfStore = [store](const Failure &failure) { return failure.store == store; };
+    if (std::any_of(m_failures.cbegin(), m_failures.cend(), isOfStore))
         return;
-    }
-    m_failedStores.append(store);
+    m_failures.append(Failure{store, e});
     // Queued, because the store is deleted and the failing call must have left it by then.
     QMetaObject::invokeMethod(
         this, [this, e] { fileError(e); }, Qt::QueuedConnection);
@@ -103,21 +103,32 @@ void FileManager::fileError(DiskStore::FileException e)
         QTimer::singleShot(retryAfterWaitMs, this, [this, e] { fileError(e); });
         return;
     }
-    const QPointer<DiskStore> store
-        = m_failedStores.isEmpty() ? QPointer<DiskStore>() : m_failedStores.takeFirst();
-    if (!store || indexOf(store) == -1) {
-        qCDebug(lcStore).noquote() << "error of a closed file:" << e.message << e.details;
+    if (m_failures.isEmpty())
+        qCDebug(lcStore).noquote() << "error of a closed file:" << e.message;
+    else
+        handleOldestError();
+}
+
+void FileManager::handlePendingFileErrors()
+{
+    while (!m_failures.isEmpty())
+        handleOldestError();
+}
+
+void FileManager::handleOldestError()
+{
+    const Failure failure = m_failures.takeFirst();
+    if (indexOf(failure.store) == -1)
         return;
-    }
-    const QString text = e.message + tr(" This file has been closed.");
-    if (store->isStillAtItsPath()) {
-        closeFailedFile(store);
-        critical(text, e.details);
+    const QString text = failure.error.message + tr(" This file has been closed.");
+    if (failure.store->isStillAtItsPath()) {
+        closeFailedFile(failure.store);
+        critical(text, failure.error.details);
         return;
     }
     // The only copy of the data is the one that this store holds open: the user hears of it first.
-    critical(text, e.details);
-    closeFailedFile(store);
+    critical(text, failure.error.details);
+    closeFailedFile(failure.store);
 }
 
 void FileManager::closeFailedFile(const QPointer<DiskStore> &store)

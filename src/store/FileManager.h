@@ -20,7 +20,8 @@ class FileManager : public QObject
     Q_OBJECT
 
 public:
-    /// Opens the files that the settings list; what can't be opened is reported and skipped.
+    /// Opens the files that the settings list; what can't be opened is reported and skipped, and
+    /// forgotten unless it is only locked by another process.
     /// \throws const char* when the settings' list is corrupt.
     FileManager();
     ~FileManager() override;
@@ -49,6 +50,9 @@ public:
     void rewriteLoadedFilesSettingsGroup();
     void critical(const QString &text, const QString &detailedText);
 
+    /// Handles all errors that stores have raised so far, without waiting for the event loop.
+    void handlePendingFileErrors();
+
     /// Saves all files. \return false when one failed; its error is then on its way to the user.
     bool commitAndRestartTransactions();
     void rollbackAndRestartTransactions();
@@ -63,7 +67,8 @@ public:
 
 public slots:
     void promptUserToMaybeSaveChangesAndExit();
-    /// Handles the oldest error that a store has raised: closes that file and tells the user.
+    /// Handles the oldest error that a store has raised: closes that file and tells the user. That
+    /// one is shown; \a e, which can be a later one of the same file, is only logged.
     void fileError(DiskStore::FileException e);
     void firstUpdateOfTransaction();
 
@@ -80,12 +85,18 @@ private:
         QString path;
     };
 
+    struct Failure {
+        QPointer<DiskStore> store;
+        DiskStore::FileException error;
+    };
+
     void migrateSingleFileSetting();
     QList<StoredFile> readStoredFiles() const;
     void loadStoredFile(const StoredFile &file);
     void dropStoredFile(int number);
     void connectStore(DiskStore *store);
     void queueError(DiskStore *store, const DiskStore::FileException &e);
+    void handleOldestError();
     void closeFailedFile(const QPointer<DiskStore> &store);
     int indexOf(const DiskStore *store) const;
     int slotBefore(const QPointer<DiskStore> &next, int index) const;
@@ -95,7 +106,10 @@ private:
     void showInformation(const QString &title, const QString &text);
 
     std::vector<std::unique_ptr<DiskStore>> m_files;
+    /// Could not be opened at start because others had locked them; remembered behind the open
+    /// ones.
+    QStringList m_lockedFiles;
     QDateTime m_unsavedSince;
     Clock m_clock = systemClock();
-    QList<QPointer<DiskStore>> m_failedStores; ///< In the order of their queued fileError() calls.
+    QList<Failure> m_failures; ///< The first one of each store, in their order.
 };

@@ -85,7 +85,10 @@ void FileManager::loadStoredFile(const StoredFile &file)
         openFileInner(file.path, getFileCount());
     } catch (const DiskStore::FileException &e) {
         critical(e.message + tr(" This file will be skipped."), e.details);
-        dropStoredFile(file.number);
+        if (e.fileWasBusy)
+            m_lockedFiles.append(file.path);
+        else
+            dropStoredFile(file.number);
     }
 }
 
@@ -103,8 +106,14 @@ void FileManager::rewriteLoadedFilesSettingsGroup()
     QSettings settings;
     settings.beginGroup(filesGroup);
     settings.remove(QString());
-    for (int index = 0; index < getFileCount(); ++index)
-        settings.setValue(QString::number(index), getFile(index)->dbFilePath());
+    QStringList paths;
+    for (const auto &file : m_files) {
+        paths.append(file->dbFilePath());
+        m_lockedFiles.removeIf([&file](const QString &path) { return file->isSameFile(path); });
+    }
+    paths.append(m_lockedFiles);
+    for (qsizetype index = 0; index < paths.size(); ++index)
+        settings.setValue(QString::number(index), paths.at(index));
     settings.endGroup();
     settings.sync();
 }

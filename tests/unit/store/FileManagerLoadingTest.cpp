@@ -44,6 +44,8 @@ private slots:
     void fileWithoutRightsIsReportedAndForgotten();
     void fileThatCannotBeOpenedIsReportedAndForgotten_data();
     void fileThatCannotBeOpenedIsReportedAndForgotten();
+    void fileThatIsOnlyLockedIsReportedAndKept();
+    void incompatibleFileIsForgottenAlsoWhenItIsLocked();
     void fileWithoutARootIsReportedAndForgotten_data();
     void fileWithoutARootIsReportedAndForgotten();
     void oldFilesAreUpgradedWhenTheSetIsLoaded();
@@ -281,6 +283,46 @@ void FileManagerLoadingTest::fileThatCannotBeOpenedIsReportedAndForgotten()
     QVERIFY(boxes.seen().first().details.contains(bad));
     QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[0], u"2="_s + p[1]}));
     QCOMPARE(bytes(bad), before);
+}
+
+void FileManagerLoadingTest::fileThatIsOnlyLockedIsReportedAndKept()
+{
+    const TestSettings settings;
+    const QStringList p = makeFiles(settings, {u"a.bdl"_s, u"b.bdl"_s, u"c.bdl"_s});
+    store({{u"0"_s, p[0]}, {u"1"_s, p[1]}});
+    OtherProcess other(p[0], {u"BEGIN EXCLUSIVE"_s});
+    QVERIFY(other.isHolding());
+    const BoxAnswers boxes({QMessageBox::Ok});
+    FileManager files;
+    QCOMPARE(boxes.texts(),
+             QStringList{u"There was an error accessing file a.bdl. This file will "
+                         "be skipped."_s});
+    QCOMPARE(names(files), QStringList{u"b.bdl"_s});
+    QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[0], u"1="_s + p[1]}));
+    // A change of the list doesn't lose it either.
+    files.openFile(p[2], 0);
+    QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[2], u"1="_s + p[1], u"2="_s + p[0]}));
+    // Once it could be opened it is a file like any other.
+    other.letGo();
+    files.openFile(p[0], 0);
+    QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[0], u"1="_s + p[2], u"2="_s + p[1]}));
+    files.unloadFile(0, true);
+    QCOMPARE(storedFiles(), (QStringList{u"0="_s + p[2], u"1="_s + p[1]}));
+}
+
+void FileManagerLoadingTest::incompatibleFileIsForgottenAlsoWhenItIsLocked()
+{
+    const TestSettings settings;
+    const QString path = settings.filePath(u"version5.bdl"_s);
+    QVERIFY(QFile::copy(m_fixtures.filePath(u"version5.bdl"_s), path));
+    store({{u"0"_s, path}});
+    const OtherProcess other(path, {u"BEGIN IMMEDIATE"_s});
+    QVERIFY(other.isHolding());
+    const BoxAnswers boxes({QMessageBox::Ok});
+    const FileManager files;
+    QCOMPARE(boxes.seen().size(), 1);
+    QVERIFY(boxes.texts().first().contains(u"incompatible"_s));
+    QCOMPARE(storedFiles(), QStringList());
 }
 
 void FileManagerLoadingTest::fileWithoutARootIsReportedAndForgotten_data()
