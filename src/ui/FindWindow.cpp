@@ -126,7 +126,7 @@ void FindWindow::updateFileMenu()
     m_fileMenu->setCurrentIndex(chosen != -1 && chosen < fileCount ? chosen : fileCount - 1);
     rememberChosenFile();
     m_fileRow->setVisible(fileCount >= 2);
-    guardAgainstFileErrors(lcCommands(), "updateFileMenu", [this] { search(); });
+    searchAgainIfShown();
 }
 
 void FindWindow::search()

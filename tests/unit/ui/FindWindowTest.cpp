@@ -105,6 +105,7 @@ private slots:
     void theLastWordIsFoundByItsBeginning();
     void aLongResultIsShortenedWithAnEllipsis();
     void aResultOfSeveralLinesIsShownOnOne();
+    void whileItIsHiddenAChangeOfARootSearchesNothing();
     void theSecondFileShowsTheFileRow();
     void theChoiceStaysWithTheFile_data();
     void theChoiceStaysWithTheFile();
@@ -185,6 +186,23 @@ void FindWindowTest::theLastWordIsFoundByItsBeginning()
     QCOMPARE(desk.results(), QStringList());
     desk.find(u"tw word"_s);
     QCOMPARE(desk.results(), QStringList());
+}
+
+// Each search goes through the whole text of a file, and roots change while one types.
+void FindWindowTest::whileItIsHiddenAChangeOfARootSearchesNothing()
+{
+    FindDesk desk;
+    const qint64 root = desk.addFile(u"one.bdl"_s);
+    desk.addEntry(root, u"word one"_s, 0);
+    desk.find(u"word"_s);
+    const QStringList before = desk.results();
+    QCOMPARE(before.size(), 1);
+    desk.findWindow->hide();
+    desk.addEntry(root, u"word two"_s, 1);
+    emit desk.files.fileRootBodyChanged();
+    QCOMPARE(desk.results(), before);
+    desk.findWindow->activateAndSelectQuery();
+    QCOMPARE(desk.results().size(), 2);
 }
 
 void FindWindowTest::aResultOfSeveralLinesIsShownOnOne()
