@@ -29,17 +29,17 @@ HierarchyModel::HierarchyModel(FileManager *fileManager)
 
 QString HierarchyModel::getParentBody() const
 {
-    return Global::truncateWithEllipsis(m_parentBody, excerptLength);
+    return Global::oneLineExcerpt(m_parentBody, excerptLength);
 }
 
 QString HierarchyModel::getPrecedingSiblingEntryBody() const
 {
-    return Global::truncateWithEllipsis(m_precedingSiblingBody, excerptLength);
+    return Global::oneLineExcerpt(m_precedingSiblingBody, excerptLength);
 }
 
 QString HierarchyModel::getFollowingSiblingEntryBody() const
 {
-    return Global::truncateWithEllipsis(m_followingSiblingBody, excerptLength);
+    return Global::oneLineExcerpt(m_followingSiblingBody, excerptLength);
 }
 
 QString HierarchyModel::getFilePath() const

@@ -84,7 +84,7 @@ EntryAddress HierarchyModel::chooseBetween(const QList<EntryAddress> &addresses)
         if (!store->getEntryInfo(address.entryId, &text, nullptr, nullptr, nullptr, nullptr,
                                  nullptr, nullptr))
             throw "entry not found?";
-        text = Global::truncateWithEllipsis(text, buttonTextLength).replace(u'&', u"&&"_s);
+        text = Global::oneLineExcerpt(text, buttonTextLength).replace(u'&', u"&&"_s);
         QPushButton *button = box.addButton(text, QMessageBox::YesRole);
         button->setFocusPolicy(Qt::NoFocus);
         choices[button] = Choice{store, address.entryId};

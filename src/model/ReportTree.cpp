@@ -60,7 +60,7 @@ void ReportTree::add(DiskStore *store, qint64 id)
                 throw "bad";
             break;
         }
-        entry.node.text = Global::truncateWithEllipsis(entry.node.text, textLength);
+        entry.node.text = Global::oneLineExcerpt(entry.node.text, textLength);
         way.push_back(std::move(entry));
         next = parentId;
     }

@@ -76,7 +76,7 @@ void TodoListModel::loadFile(int fileIndex, Items &items) const
         const int sequence = makeRoom(items, static_cast<int>(row), wanted);
         items.insert(items.begin() + row,
                      TodoItem{fileIndex, todo.id,
-                              Global::truncateWithEllipsis(todo.body, bodyLength), sequence,
+                              Global::oneLineExcerpt(todo.body, bodyLength), sequence,
                               todo.sequence});
     }
 }
@@ -128,7 +128,7 @@ QString TodoListModel::readBody(int fileIndex, qint64 entryId) const
         || !store->getEntryInfo(entryId, &body, nullptr, nullptr, nullptr, nullptr, nullptr,
                                 nullptr))
         throw "bad";
-    return Global::truncateWithEllipsis(body, bodyLength);
+    return Global::oneLineExcerpt(body, bodyLength);
 }
 
 void TodoListModel::addTodo(EntryAddress address)

@@ -47,9 +47,10 @@ bool NativeSupport::tellsWindowPlaces()
     return !WaylandSession::isTheToolkitOnIt();
 }
 
+// Most window managers put any window in front that is clicked.
 bool NativeSupport::keepsToolWindowsInFront()
 {
-    return !WaylandSession::isTheToolkitOnIt();
+    return false;
 }
 
 KeyboardLayout *KeyboardLayout::createForDesktop(QObject *parent)

@@ -11,7 +11,15 @@ QString Global::truncateWithEllipsis(QString text, int maxLength)
     text.replace(lineBreaks, u" "_s);
     if (text.size() <= maxLength)
         return text;
-    return text.left(maxLength) + u" ..."_s;
+    const bool cutsThroughPair = maxLength > 0 && text.at(maxLength - 1).isHighSurrogate()
+        && text.at(maxLength).isLowSurrogate();
+    return text.left(cutsThroughPair ? maxLength - 1 : maxLength) + u" ..."_s;
+}
+
+QString Global::oneLineExcerpt(QString text, int maxLength)
+{
+    text.replace(QChar::LineSeparator, u'\n').replace(QChar::ParagraphSeparator, u'\n');
+    return truncateWithEllipsis(text, maxLength);
 }
 
 QString Global::getCopyrightString(bool html)

@@ -279,7 +279,7 @@ QString DiskStore::getRootExcerpt()
     const long long root = getEntryId(-1, 0);
     if (!getEntryInfo(root, &body, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr))
         throw "root entry not found; every file should have a root entry";
-    return Global::truncateWithEllipsis(body, rootExcerptLength);
+    return Global::oneLineExcerpt(body, rootExcerptLength);
 }
 
 long long DiskStore::insertEntry(long long parentId, const QString &body, int sequence,

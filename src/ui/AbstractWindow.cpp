@@ -7,6 +7,9 @@
 #include "ui/ScreenPlacement.h"
 
 #include <QApplication>
+#include <QHideEvent>
+#include <QMoveEvent>
+#include <QResizeEvent>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;

@@ -126,7 +126,7 @@ void FindWindow::updateFileMenu()
     m_fileMenu->setCurrentIndex(chosen != -1 && chosen < fileCount ? chosen : fileCount - 1);
     rememberChosenFile();
     m_fileRow->setVisible(fileCount >= 2);
-    guardAgainstFileErrors(lcCommands(), "updateFileMenu", [this] { search(); });
+    searchAgainIfShown();
 }
 
 void FindWindow::search()
@@ -145,7 +145,7 @@ void FindWindow::search()
     m_results->setSelectionMode(QAbstractItemView::SingleSelection);
     for (const DiskStore::EntryInfo &entry : std::as_const(*found)) {
         m_results->addItem(std::make_unique<ResultsListItem>(
-                               Global::truncateWithEllipsis(entry.body, snippetLength),
+                               Global::oneLineExcerpt(entry.body, snippetLength),
                                EntryAddress{fileIndex, entry.id})
                                .release());
     }

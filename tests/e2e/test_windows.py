@@ -345,6 +345,41 @@ class ToolWindows(FamilyTestCase):
                 self.close(window)
                 self.assertEqual(brindle.text, "work.bdl")
 
+    def test_a_click_on_the_main_window_leaves_the_lists_in_front_of_it(self):
+        brindle = self.start_family()
+        screen = self.desktop.screen
+        for title in HIDE_WITH_THE_APPLICATION:
+            with self.subTest(window=title):
+                window = self.open(brindle, OPENING_KEYS[title], title)
+                overlap = self.lay_over_main_window(window)
+                x, y, width, height = screen.place(brindle.window)
+                self.desktop.click(x + width // 8, y + height // 2)
+                wait_for(lambda: screen.active_window() == brindle.window, "the main window in front")
+                brindle.keys("End", "x")
+                wait_for(lambda: brindle.text.endswith("x"), "the keyboard in the editor")
+                if self.desktop.manager.keeps_families_in_order:
+                    stays(lambda: screen.stacking().index(window.id)
+                          > screen.stacking().index(brindle.window), f"{title} above", 0.5)
+                    # Who lies on top there gets the click.
+                    self.desktop.click(*overlap)
+                else:
+                    brindle.keys(OPENING_KEYS[title])
+                window.wait_until_in_front()
+                self.close(window)
+
+    def lay_over_main_window(self, window):
+        """Puts a window partly over the main window, unless it lies inside; a spot of both."""
+        screen = self.desktop.screen
+        main_window = window.brindle.window
+        x, y, width, height = screen.place(main_window)
+        if not self.desktop.manager.tiles:
+            wanted = (x + width // 2, y + height // 4, width, height)
+            screen.move_resize(window.id, *wanted)
+            wait_for_value(lambda: screen.place(window.id), wanted, f"{window.title} moved")
+        left, top, tool_width, tool_height = screen.place(window.id)
+        return ((max(x, left) + min(x + width, left + tool_width)) // 2,
+                (max(y, top) + min(y + height, top + tool_height)) // 2)
+
     def test_escape_hides_and_gives_the_keyboard_back_and_ctrl_w_where_it_is_said(self):
         brindle = self.start_family()
         brindle.go("ctrl+l", "One")

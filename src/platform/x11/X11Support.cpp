@@ -11,6 +11,7 @@
 #include "platform/x11/X11Hotkey.h"
 
 #include <QCoreApplication>
+#include <QWindow>
 #include <utility>
 
 namespace

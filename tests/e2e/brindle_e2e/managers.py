@@ -45,6 +45,7 @@ class WindowManager:
     second_workspace_command: tuple = ()  # where workspaces are made by going there
     focus_follows_pointer: bool = False  # pointing at a window gives it the keyboard
     tiles: bool = False  # it gives ordinary windows their places; only dialogs float
+    keeps_families_in_order: bool = True  # a window stays above the one it belongs to
     opens_where_the_keyboard_is: bool = False  # on that screen, whatever place was asked for
     pointer_files: dict = dataclasses.field(default_factory=dict)
     pointer_env: dict = dataclasses.field(default_factory=dict)
@@ -65,7 +66,7 @@ _ALL = (
                   pointer_files={"config/glib-2.0/settings/keyfile": _METACITY_POINTER},
                   pointer_env={"GSETTINGS_BACKEND": "keyfile"}),
     WindowManager("i3", ("i3", "-c", "{home}/i3-config"), files={"i3-config": _I3_CONFIG},
-                  minimises=False, minimises_boxes=False, tiles=True,
+                  minimises=False, minimises_boxes=False, tiles=True, keeps_families_in_order=False,
                   opens_where_the_keyboard_is=True, focus_follows_pointer=True,
                   second_workspace_command=("i3-msg", "workspace", "2")),
 )

@@ -86,7 +86,7 @@ void AppLifecycleRequestsTest::askedToComeForwardAgainTheWindowInUseDoes()
     QCOMPARE(program.native.frontRequests.first(), mainWindow->windowHandle());
     auto *todoWindow = RunningProgram::window<TodoListWindow>();
     todoWindow->showWindow();
-    QVERIFY(QTest::qWaitForWindowActive(todoWindow));
+    QTRY_COMPARE(QApplication::activeWindow(), todoWindow);
     QCOMPARE(bus.callProgram(u"Activate"_s, {QVariantMap()}).type(), isReply);
     QTRY_COMPARE(program.native.frontRequests.size(), 2);
     QCOMPARE(program.native.frontRequests.last(), todoWindow->windowHandle());

@@ -14,6 +14,7 @@ class TextHelpersTest : public QObject
 private slots:
     void truncateWithEllipsis_data();
     void truncateWithEllipsis();
+    void anExcerptIsOneLineWhateverBreaksTheText();
     void copyrightIsOneLineWithTheYearOfTheBuild();
     void copyrightForHtmlHasTheEntity();
 };
@@ -38,6 +39,12 @@ void TextHelpersTest::truncateWithEllipsis_data()
     QTest::newRow("nothing may stay") << u"ab"_s << 0 << u" ..."_s;
     QTest::newRow("empty with no room") << QString() << 0 << QString();
     QTest::newRow("other separators are no line breaks") << u"a\u2028b"_s << 5 << u"a\u2028b"_s;
+    QTest::newRow("emoji that just fits") << u"abc\U0001F600"_s << 5 << u"abc\U0001F600"_s;
+    QTest::newRow("cut behind an emoji") << u"abc\U0001F600d"_s << 5 << u"abc\U0001F600 ..."_s;
+    QTest::newRow("cut within an emoji") << u"abcd\U0001F600"_s << 5 << u"abcd ..."_s;
+    QTest::newRow("nothing but an emoji") << u"\U0001F600"_s << 1 << u" ..."_s;
+    QTest::newRow("half an emoji of its own")
+        << u"abcd"_s + QChar(0xD83D) + u"efg"_s << 5 << u"abcd"_s + QChar(0xD83D) + u" ..."_s;
     QTest::newRow("seventy") << QString(70, u'x') << 70 << QString(70, u'x');
     QTest::newRow("seventy-one") << QString(71, u'x') << 70 << QString(70, u'x') + u" ..."_s;
 }
@@ -48,6 +55,12 @@ void TextHelpersTest::truncateWithEllipsis()
     QFETCH(int, maxLength);
     QFETCH(QString, expected);
     QCOMPARE(Global::truncateWithEllipsis(text, maxLength), expected);
+}
+
+void TextHelpersTest::anExcerptIsOneLineWhateverBreaksTheText()
+{
+    QCOMPARE(Global::oneLineExcerpt(u"a\u2028\u2029b\n\u2028\rc"_s, 5), u"a b c"_s);
+    QCOMPARE(Global::oneLineExcerpt(u"a\u2028bcdef"_s, 5), u"a bcd ..."_s);
 }
 
 void TextHelpersTest::copyrightIsOneLineWithTheYearOfTheBuild()

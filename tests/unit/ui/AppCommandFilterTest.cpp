@@ -183,7 +183,7 @@ void AppCommandFilterTest::discardWorksInAnyWindow()
     other.setText(u"query"_s);
     other.show();
     other.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&other));
+    QVERIFY(waitUntilActive(other));
     pressIn(other, Qt::Key_Backspace, ctrlShift);
     QCOMPARE(desk.storedBody(entry), QString());
     QCOMPARE(other.text(), u"query"_s);
@@ -259,7 +259,7 @@ void AppCommandFilterTest::exitRefusedInAnotherWindowFlashesThereAndInTheMainWin
     desk.press(key, ctrl);
     const QList<AbstractWindow *> windows = openWindows(desk);
     QCOMPARE(windows.size(), 1);
-    QVERIFY(QTest::qWaitForWindowActive(windows.first()));
+    QVERIFY(waitUntilActive(*windows.first()));
     QVERIFY(!UiDesk::isFlashing(*windows.first()));
     pressIn(*windows.first(), Qt::Key_Q, ctrl);
     QVERIFY(UiDesk::isFlashing(*windows.first()));
@@ -450,7 +450,7 @@ void AppCommandFilterTest::underAModalBoxCommandsAreSwallowedWithoutEffect()
     box.setModal(true);
     box.show();
     line->setFocus();
-    QVERIFY(QTest::qWaitForWindowActive(&box));
+    QVERIFY(waitUntilActive(box));
     const LogLines log;
     pressIn(box, key, Qt::KeyboardModifiers::fromInt(modifiers));
     QCOMPARE(log.count(u"command"_s), 0);
@@ -494,7 +494,7 @@ void AppCommandFilterTest::eachWindowCommandOpensItsWindow()
     const QList<AbstractWindow *> opened = openWindows(desk);
     QCOMPARE(opened.size(), 1);
     QCOMPARE(opened.first()->metaObject()->className(), name.toLatin1());
-    QVERIFY(QTest::qWaitForWindowActive(opened.first()));
+    QVERIFY(waitUntilActive(*opened.first()));
     QCOMPARE(desk.editor()->toPlainText(), u"text"_s);
     QCOMPARE(desk.refusals->count(), 0);
 }
@@ -520,9 +520,9 @@ void AppCommandFilterTest::aDialogIsCreatedOnceAndShownAgain()
     QVERIFY(!dialog->parentWidget());
     QCOMPARE(dialogCount(), 1);
     for (int round = 0; round < 2; ++round) {
-        QVERIFY(QTest::qWaitForWindowActive(dialog));
+        QVERIFY(waitUntilActive(*dialog));
         dialog->hide();
-        QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+        QVERIFY(waitUntilActive(*desk.window));
         QVERIFY(desk.editor()->hasFocus());
         desk.press(key, ctrl);
         QVERIFY(dialog && dialog->isVisible());
@@ -530,9 +530,9 @@ void AppCommandFilterTest::aDialogIsCreatedOnceAndShownAgain()
     }
     // Given again while it is shown, the command only brings it to the front.
     desk.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    QVERIFY(waitUntilActive(*desk.window));
     desk.press(key, ctrl);
-    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    QVERIFY(waitUntilActive(*dialog));
     QCOMPARE(dialogCount(), 1);
 }
 
@@ -558,16 +558,16 @@ void AppCommandFilterTest::theToDoListOpensFromTheFindWindowWithoutTouchingTheQu
     desk.addFile(u"a.bdl"_s);
     desk.show();
     desk.press(Qt::Key_F, ctrl);
-    QVERIFY(QTest::qWaitForWindowActive(desk.findWindow.get()));
+    QVERIFY(waitUntilActive(*desk.findWindow));
     auto *query = desk.findWindow->findChild<QLineEdit *>(u"queryLine"_s);
     query->setText(u"some words"_s);
     query->setCursorPosition(4);
     pressIn(*desk.findWindow, Qt::Key_E, ctrl);
-    QVERIFY(QTest::qWaitForWindowActive(desk.todoWindow.get()));
+    QVERIFY(waitUntilActive(*desk.todoWindow));
     QCOMPARE(query->text(), u"some words"_s);
     QCOMPARE(query->cursorPosition(), 4);
     pressIn(*desk.todoWindow, Qt::Key_F, ctrl);
-    QVERIFY(QTest::qWaitForWindowActive(desk.findWindow.get()));
+    QVERIFY(waitUntilActive(*desk.findWindow));
     QCOMPARE(query->selectedText(), u"some words"_s);
 }
 
@@ -592,7 +592,7 @@ void AppCommandFilterTest::commandsWhileInactiveBringTheApplicationForward()
     report.show();
     desk.activation.deactivateApp();
     report.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&report));
+    QVERIFY(waitUntilActive(report));
     QVERIFY(!desk.window->isVisible());
     pressIn(report, key, ctrl);
     QVERIFY(desk.activation.isAppActive());

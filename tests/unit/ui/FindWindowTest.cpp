@@ -36,7 +36,7 @@ public:
         if (!activation.isAppActive())
             show();
         findWindow->activateAndSelectQuery();
-        if (!QTest::qWaitForWindowActive(findWindow.get()))
+        if (!waitUntilActive(*findWindow))
             qFatal("the find window does not become active");
         if (!m_beeps)
             m_beeps = new RefusalCounter(findWindow.get());
@@ -104,6 +104,8 @@ private slots:
     void resultsComeWhileTyping();
     void theLastWordIsFoundByItsBeginning();
     void aLongResultIsShortenedWithAnEllipsis();
+    void aResultOfSeveralLinesIsShownOnOne();
+    void whileItIsHiddenAChangeOfARootSearchesNothing();
     void theSecondFileShowsTheFileRow();
     void theChoiceStaysWithTheFile_data();
     void theChoiceStaysWithTheFile();
@@ -184,6 +186,32 @@ void FindWindowTest::theLastWordIsFoundByItsBeginning()
     QCOMPARE(desk.results(), QStringList());
     desk.find(u"tw word"_s);
     QCOMPARE(desk.results(), QStringList());
+}
+
+// Each search goes through the whole text of a file, and roots change while one types.
+void FindWindowTest::whileItIsHiddenAChangeOfARootSearchesNothing()
+{
+    FindDesk desk;
+    const qint64 root = desk.addFile(u"one.bdl"_s);
+    desk.addEntry(root, u"word one"_s, 0);
+    desk.find(u"word"_s);
+    const QStringList before = desk.results();
+    QCOMPARE(before.size(), 1);
+    desk.findWindow->hide();
+    desk.addEntry(root, u"word two"_s, 1);
+    emit desk.files.fileRootBodyChanged();
+    QCOMPARE(desk.results(), before);
+    desk.findWindow->activateAndSelectQuery();
+    QCOMPARE(desk.results().size(), 2);
+}
+
+void FindWindowTest::aResultOfSeveralLinesIsShownOnOne()
+{
+    FindDesk desk;
+    const qint64 root = desk.addFile(u"one.bdl"_s);
+    desk.addEntry(root, u"word one\u2028two\u2029three\nfour"_s, 0);
+    desk.find(u"word"_s);
+    QCOMPARE(desk.results(), QStringList{u"{word} one two three four"_s});
 }
 
 void FindWindowTest::aLongResultIsShortenedWithAnEllipsis()
@@ -385,7 +413,7 @@ void FindWindowTest::enterJumpsHidesAndGivesTheKeyboardBack()
     desk.pressInFind(key, Qt::KeyboardModifiers::fromInt(modifiers));
     QVERIFY(!desk.findWindow->isVisible());
     QCOMPARE(desk.editor()->toPlainText(), u"word two"_s);
-    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    QVERIFY(waitUntilActive(*desk.window));
     QVERIFY(desk.editor()->hasFocus());
     QCOMPARE(desk.takeBeeps(), 0);
 }
@@ -456,7 +484,7 @@ void FindWindowTest::escapeHidesAndGivesTheKeyboardBack()
     desk.pressInFind(Qt::Key_Escape);
     QVERIFY(!desk.findWindow->isVisible());
     QCOMPARE(hidings.count(), 1);
-    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    QVERIFY(waitUntilActive(*desk.window));
     QVERIFY(desk.editor()->hasFocus());
 }
 
@@ -478,7 +506,7 @@ void FindWindowTest::resultsVanishWithTheirEntry()
     desk.find(u"word"_s);
     QCOMPARE(desk.results().size(), 3);
     desk.window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
+    QVERIFY(waitUntilActive(*desk.window));
     desk.editor()->clear();
     desk.press(Qt::Key_J, ctrl);
     QCOMPARE(desk.results(), (QStringList{u"{word} one"_s, u"{word} three"_s}));

@@ -33,13 +33,10 @@ public:
     }
     void waitForList()
     {
-        if (!QTest::qWaitForWindowActive(todoWindow.get()))
+        if (!waitUntilActive(*todoWindow))
             qFatal("the to-do list does not become active");
     }
-    bool mainWindowHasTheKeyboard()
-    {
-        return QTest::qWaitForWindowActive(window.get()) && editor()->hasFocus();
-    }
+    bool mainWindowHasTheKeyboard() { return waitUntilActive(*window) && editor()->hasFocus(); }
     QString rows() const
     {
         QString texts;
@@ -75,6 +72,7 @@ class TodoListWindowTest : public QObject
 private slots:
     void isASmallToolWindowOfItsOwn();
     void anEmptyListSelectsNothingAndRaisesNoError();
+    void aTextOfSeveralLinesTakesOneRowsHeight();
     void showingSelectsTheFirstRow();
     void showingAgainKeepsTheSelection();
     void showingForAnEntrySelectsItsRowAndScrollsToIt();
@@ -129,6 +127,17 @@ void TodoListWindowTest::anEmptyListSelectsNothingAndRaisesNoError()
         desk.pressInList(key);
     QVERIFY(desk.todoWindow->isVisible());
     QCOMPARE(log.count(u"exception in "_s), 0);
+}
+
+void TodoListWindowTest::aTextOfSeveralLinesTakesOneRowsHeight()
+{
+    TodoWindowDesk desk;
+    const qint64 root = desk.files.getFile(0)->getEntryId(-1, 0);
+    const qint64 lines = desk.addEntry(root, u"one\u2028two\u2029three\nfour"_s, 3);
+    desk.todos.addTodo(EntryAddress{0, lines});
+    desk.open();
+    QCOMPARE(desk.todos.index(0).data().toString(), u"one two three four"_s);
+    QCOMPARE(desk.view()->sizeHintForRow(0), desk.view()->sizeHintForRow(1));
 }
 
 void TodoListWindowTest::showingSelectsTheFirstRow()

@@ -59,6 +59,11 @@ bool RefusalCounter::eventFilter(QObject *, QEvent *event)
     return false;
 }
 
+bool waitUntilActive(const QWidget &window)
+{
+    return QTest::qWaitFor([&window] { return QApplication::activeWindow() == &window; });
+}
+
 UiDesk::UiDesk()
 {
     window = std::make_unique<HierarchyWindow>(

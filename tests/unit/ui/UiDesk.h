@@ -53,6 +53,10 @@ private:
 /// modifiers held, which only keys that come in from below set; no modifier stays held.
 void pressIn(QWidget &window, int key, Qt::KeyboardModifiers modifiers = {});
 
+/// Waits until \a window itself has the keyboard; for the toolkit's own wait it is enough that the
+/// window has which it is tied to.
+bool waitUntilActive(const QWidget &window);
+
 /// X key codes of the physical keys with these symbols on a US keyboard.
 namespace KeyCode
 {
