@@ -229,7 +229,9 @@ class Run:
         self._settle()
         if self.brindle.log().count(SAVE_COMMAND) == self.saves:
             self._saved = self._contents()
-            self._look_for_current_text()
+            # What comes after Return may still reach the editor, and is not saved then.
+            if self.hands.pressed[-1] in ("Return", "KP_Enter"):
+                self._look_for_current_text()
 
     def _look_for_current_text(self):
         """What the editor shows was written; only blanks at its ends and the kind of line breaks may differ."""
