@@ -8,7 +8,7 @@ the moments at which keys arrive. Findings:
   - the program crashes, ends unasked, can't be brought forward or quit, or doesn't answer
   - the log has a sanitizer's report, "exception in", "file error", or a warning that isn't known as harmless
   - after a run SQLite finds a data file damaged, or an outline breaks one of its rules
-  - after SIGKILL a file doesn't hold what was last saved
+  - after Return the editor's text is not in its file; after SIGKILL a file doesn't hold what was last saved
   - the settings don't name a file that nobody closed
 
 The first finding ends it with exit status 1; what was seen is kept in build/monkey.
@@ -229,6 +229,17 @@ class Run:
         self._settle()
         if self.brindle.log().count(SAVE_COMMAND) == self.saves:
             self._saved = self._contents()
+            # What comes after Return may still reach the editor, and is not saved then.
+            if self.hands.pressed[-1] in ("Return", "KP_Enter"):
+                self._look_for_current_text()
+
+    def _look_for_current_text(self):
+        """What the editor shows was written; only blanks at its ends and the kind of line breaks may differ."""
+        text = self.brindle.text_when_hidden()
+        paths = {*self._files, *(path for _, path in self._home.loaded_files())}
+        saved = {_words(row[1]) for path in paths for row in soundness.contents(path, True)["texts"]}
+        if text and text.strip() and _words(text) not in saved:
+            raise Finding(f"{text!r} was not saved")
 
     def _settle(self):
         """Waits until the program has dealt with all that was pressed."""
@@ -273,6 +284,10 @@ class Run:
                      "the end of brindle --activate")
         finally:
             self._desktop.end(asking)
+
+
+def _words(text):
+    return " ".join(text.split())
 
 
 def _outline():

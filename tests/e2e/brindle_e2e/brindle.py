@@ -222,6 +222,15 @@ class Brindle:
         editor = self._editor(node) if node else None
         return editor.text if editor else None
 
+    def text_when_hidden(self):
+        """What the editor of the hidden main window holds; None at the panel, or when it can't be told."""
+        root = self._application()
+        for node in (root.children_or_none() if root else ()):
+            # The panel has no entry to name.
+            if node.role == "dialog" and node.name.startswith("Brindle (") and not node.has("showing"):
+                return next((part.text for part in node.everything() if part.role == "text"), None)
+        return None
+
     @property
     def title(self):
         node = self._main_node()
