@@ -89,9 +89,18 @@ bool HierarchyModel::writeEditedText()
 {
     const EntryAddress before = getCurrentAddress();
     const bool written = getAndWriteModifiedBodyToDb();
-    if (getCurrentAddress() != before)
-        postStateChange();
+    showIfNoLongerAt(before);
     return written;
+}
+
+void HierarchyModel::showIfNoLongerAt(EntryAddress before)
+{
+    if (getCurrentAddress() == before)
+        return;
+    m_modifiedBody = m_body;
+    // A neighbour that can't be shown is no reason to stop what the text was written for.
+    guardAgainstTexts(lcModel(), "showIfNoLongerAt", [this] { updateSiblingFields(); });
+    emit changed();
 }
 
 bool HierarchyModel::writeStoredEntry()

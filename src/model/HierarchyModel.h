@@ -176,6 +176,7 @@ private:
     bool atTopLevel() const { return m_parentId == -1; }
     bool isLastFile() const;
     bool writeStoredEntry();
+    void showIfNoLongerAt(EntryAddress before);
     bool canTakeOneMoreChild(qint64 parentId);
     bool moveToParent(qint64 newParentId, int newSequence);
     void makeCurrentEntryTheParent();

@@ -10,6 +10,7 @@ void HierarchyModel::handleCommand(Command command)
         emit requestAppDeactivation();
         return;
     }
+    const EntryAddress before = getCurrentAddress();
     bool done = getAndWriteModifiedBodyToDb();
     if (done) {
         redrawWhenItFails([&] {
@@ -19,6 +20,8 @@ void HierarchyModel::handleCommand(Command command)
         });
     }
     if (!done) {
+        // Refused or not, writing the text may have inserted or deleted the entry.
+        showIfNoLongerAt(before);
         Refusal::refuse();
         return;
     }

@@ -75,9 +75,8 @@ void TodoListModel::loadFile(int fileIndex, Items &items) const
         const auto row = place - items.begin();
         const int sequence = makeRoom(items, static_cast<int>(row), wanted);
         items.insert(items.begin() + row,
-                     TodoItem{fileIndex, todo.id,
-                              Global::oneLineExcerpt(todo.body, bodyLength), sequence,
-                              todo.sequence});
+                     TodoItem{fileIndex, todo.id, Global::oneLineExcerpt(todo.body, bodyLength),
+                              sequence, todo.sequence});
     }
 }
 
@@ -265,6 +264,21 @@ EntryAddress TodoListModel::getEntryAddressForIndex(const QModelIndex &index) co
         return EntryAddress();
     const TodoItem &item = m_items[static_cast<std::size_t>(index.row())];
     return EntryAddress{item.fileIndex, item.entryId};
+}
+
+TodoListModel::Entry TodoListModel::entryAt(const QModelIndex &index) const
+{
+    const EntryAddress address = getEntryAddressForIndex(index);
+    return {m_fileManager->getFile(address.fileIndex), address.entryId};
+}
+
+QModelIndex TodoListModel::indexOf(const Entry &entry) const
+{
+    for (int file = 0; entry.store && file < m_fileManager->getFileCount(); ++file) {
+        if (m_fileManager->getFile(file) == entry.store)
+            return getIndexForEntry(file, entry.id);
+    }
+    return QModelIndex();
 }
 
 int TodoListModel::sequenceForIndex(const QModelIndex &index) const

@@ -6,6 +6,7 @@
 #include "store/DiskStore.h"
 
 #include <QAbstractListModel>
+#include <QPointer>
 #include <vector>
 
 class FileManager;
@@ -21,6 +22,13 @@ class TodoListModel : public QAbstractListModel
     Q_OBJECT
 
 public:
+    /// An entry and the open file it lies in; unlike an address it stays true when files come, go
+    /// or move.
+    struct Entry {
+        QPointer<DiskStore> store;
+        qint64 id = -1;
+    };
+
     /// \a fileManager is borrowed and must outlive this object.
     explicit TodoListModel(FileManager *fileManager);
 
@@ -30,6 +38,11 @@ public:
     /// The row of an entry; invalid when it isn't listed.
     QModelIndex getIndexForEntry(int fileIndex, qlonglong entryId) const;
     EntryAddress getEntryAddressForIndex(const QModelIndex &index) const;
+
+    /// The entry in a row; none for an invalid index.
+    Entry entryAt(const QModelIndex &index) const;
+    /// The row of \a entry, wherever its file stands now; invalid when it isn't listed.
+    QModelIndex indexOf(const Entry &entry) const;
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;

@@ -44,6 +44,10 @@ public:
 signals:
     void notInFront(FrontLoss reason);
 
+protected:
+    /// Whether the time that coming forward may take is still running.
+    bool isComing() const { return !m_coming.hasExpired(); }
+
 private:
     void settled();
 

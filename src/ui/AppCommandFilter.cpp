@@ -64,9 +64,13 @@ bool AppCommandFilter::eventFilter(QObject *, QEvent *event)
 bool AppCommandFilter::takesPress(const QKeyEvent &press)
 {
     const bool repeated = m_repeats.isRepeat(press);
-    // The key of a held Ctrl+S is not the one that is waited for.
-    if (repeated && m_mainWindow->isRegisteringShortcut() && m_mainWindow->isActiveWindow())
+    if (repeated && m_lastPressWasForTheWait)
         return true;
+    const bool awaited = m_mainWindow->isRegisteringShortcut() && m_mainWindow->isActiveWindow();
+    // The key of a held Ctrl+S is not the one that is waited for.
+    if (repeated && awaited)
+        return true;
+    m_lastPressWasForTheWait = awaited;
     const Command command = KeyPress::command(press, QApplication::keyboardModifiers());
     if (repeated && isNeverRepeated(command))
         return true;

@@ -69,6 +69,7 @@ private:
     NativeSupport *m_nativeSupport;
     AppActivationSupport *m_activationSupport;
     KeyRepeats m_repeats;
+    bool m_lastPressWasForTheWait = false; ///< For a shortcut key; held, it must type nothing.
 
     // Made when their command is first given, and kept.
     std::unique_ptr<Help> m_help;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/TodoListView.h"
 
-#include "model/TodoListModel.h"
 #include "ui/KeyPress.h"
 
 #include <QApplication>
@@ -16,8 +15,10 @@ TodoListWindow::TodoListView::TodoListView(TodoListModel *model, TodoListWindow 
     setObjectName(QStringLiteral("todoListView"));
     setAccessibleName(tr("To-do list"));
     setModel(model);
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex &current) { m_selectedEntry = m_model->entryAt(current); });
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this,
-            &TodoListView::rememberSelection);
+            [this] { m_rowBeforeReset = selectedIndexes().value(0).row(); });
     connect(model, &QAbstractItemModel::modelReset, this, &TodoListView::restoreSelection);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setDragEnabled(true);
@@ -41,35 +42,19 @@ void TodoListWindow::TodoListView::selectFirstIfNoneSelected()
         selectRow(first);
 }
 
-void TodoListWindow::TodoListView::rememberSelection()
-{
-    const QModelIndex selected = selectedIndexes().value(0);
-    m_rowBeforeReset = selected.row();
-    m_textBeforeReset = selected.data().toString();
-}
-
 // A discard, or a file that comes, goes or moves, must not leave the user without a row: the same
 // entry as far as it is still there, else what stands in its place.
 void TodoListWindow::TodoListView::restoreSelection()
 {
-    if (m_rowBeforeReset == -1 || m_model->rowCount() == 0)
-        return;
-    const int row = std::min(m_rowBeforeReset, m_model->rowCount() - 1);
-    selectRow(m_model->index(nearestRowWith(m_textBeforeReset, row)));
-}
-
-/// \a row itself when no row has the \a text.
-int TodoListWindow::TodoListView::nearestRowWith(const QString &text, int row) const
-{
-    const auto hasText
-        = [&](int candidate) { return m_model->index(candidate).data().toString() == text; };
-    for (int distance = 0; distance < m_model->rowCount(); ++distance) {
-        for (const int candidate : {row - distance, row + distance}) {
-            if (candidate >= 0 && candidate < m_model->rowCount() && hasText(candidate))
-                return candidate;
-        }
+    const QModelIndex sameEntry = m_model->indexOf(m_selectedEntry);
+    if (m_rowBeforeReset == -1) {
+        if (isVisible())
+            selectFirstIfNoneSelected();
+    } else if (sameEntry.isValid()) {
+        selectRow(sameEntry);
+    } else if (m_model->rowCount() > 0) {
+        selectRow(m_model->index(std::min(m_rowBeforeReset, m_model->rowCount() - 1)));
     }
-    return row;
 }
 
 void TodoListWindow::TodoListView::keyPressEvent(QKeyEvent *event)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "model/TodoListModel.h"
 #include "ui/TodoListWindow.h"
 
 #include <QListView>
@@ -21,13 +22,11 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void rememberSelection();
     void restoreSelection();
-    int nearestRowWith(const QString &text, int row) const;
     bool handlePlainKey(int key, const QModelIndex &selected);
 
     TodoListModel *m_model;
     TodoListWindow *m_window;
+    TodoListModel::Entry m_selectedEntry;
     int m_rowBeforeReset = -1;
-    QString m_textBeforeReset;
 };

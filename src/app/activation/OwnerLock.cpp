@@ -33,8 +33,12 @@ OwnerLock::Result OwnerLock::tryLock()
     if (m_file != -1)
         return Result::Held;
     QDir().mkpath(QFileInfo(m_path).path());
-    const int file = ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_CLOEXEC,
-                            S_IRUSR | S_IWUSR);
+    const QByteArray path = QFile::encodeName(m_path);
+    int file = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC,
+                      S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+    // One that another user has made, root perhaps, can still be locked by whoever may read it.
+    if (file == -1 && errno == EACCES)
+        file = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
     if (file == -1)
         return impossible();
     if (::flock(file, LOCK_EX | LOCK_NB) == 0) {

@@ -23,11 +23,14 @@ bool isWindowOfToolkit(quint32 window)
 }
 
 /// With no window in front at all, our own state decides: a box that opens or closes. A box that
-/// the user has left behind on another workspace doesn't count.
-bool toolkitSaysActive(FrontWindow &front)
+/// the user has left behind on another workspace doesn't count, and as long as we are still
+/// \a coming it proves nothing: other programs may be changing places.
+bool toolkitSaysActive(FrontWindow &front, bool coming)
 {
     if (QGuiApplication::applicationState() == Qt::ApplicationActive)
         return true;
+    if (coming)
+        return false;
     const QWidget *box = QApplication::activeModalWidget();
     const QWindow *window = box ? box->window()->windowHandle() : nullptr;
     return box
@@ -35,17 +38,17 @@ bool toolkitSaysActive(FrontWindow &front)
              && front.isOnAnotherWorkspace(static_cast<quint32>(window->winId())));
 }
 
-bool areWeInFrontNow(FrontWindow &front)
+bool areWeInFrontNow(FrontWindow &front, bool coming)
 {
     const xcb_window_t window = front.active();
     return window != FrontWindow::noWindow ? FrontWatch::isOurs(front, window)
-                                           : toolkitSaysActive(front);
+                                           : toolkitSaysActive(front, coming);
 }
 
 } // namespace
 
 FrontWatch::FrontWatch(FrontWindow &front)
-    : SettlingFront([&front] { return areWeInFrontNow(front); })
+    : SettlingFront([this, &front] { return areWeInFrontNow(front, isComing()); })
     , m_front(front)
 {
     listen();

@@ -114,6 +114,7 @@ private slots:
     void withoutALockBesideTheSettingsNobodyServes();
     void whoDoesNotBecomeTheServerLeavesTheSettingsToOthers();
     void theOwnersLockIsFreeAgainAfterItsEnd();
+    void aLockFileThatMayOnlyBeReadIsLockedAllTheSame();
 };
 
 void SingleInstanceTest::withoutAnotherCopyItBecomesTheServerWithoutAQuestion()
@@ -489,6 +490,22 @@ void SingleInstanceTest::theOwnersLockIsFreeAgainAfterItsEnd()
         QVERIFY(!InstanceEndpoint().claim());
     }
     QVERIFY(InstanceEndpoint().claim());
+}
+
+// Root has started the program once, with the user's settings.
+void SingleInstanceTest::aLockFileThatMayOnlyBeReadIsLockedAllTheSame()
+{
+    if (::geteuid() == 0 && ::seteuid(65534) != 0)
+        QSKIP("whoever runs this may write everything");
+    const auto again = qScopeGuard([] { [[maybe_unused]] const int done = ::seteuid(::getuid()); });
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"lock"_s);
+    makeFile(path);
+    QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+    OwnerLock first(path);
+    QCOMPARE(first.tryLock(), OwnerLock::Result::Held);
+    OwnerLock second(path);
+    QCOMPARE(second.tryLock(), OwnerLock::Result::HeldByAnother);
 }
 
 QTEST_MAIN(SingleInstanceTest)

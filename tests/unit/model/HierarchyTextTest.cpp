@@ -36,6 +36,7 @@ private slots:
     void textIsWrittenOnlyInsideTheTransaction();
     void unusualTextsComeBackUnchanged_data();
     void unusualTextsComeBackUnchanged();
+    void aRefusedCommandShowsWhatClearingTheTextHasDeleted();
 };
 
 void HierarchyTextTest::editedTextIsTrimmedAndNothingElse()
@@ -406,6 +407,22 @@ void HierarchyTextTest::unusualTextsComeBackUnchanged()
     desk.run(Command::GoToChild);
     QCOMPARE(desk.model->getBody(), text);
     QCOMPARE(Outline::readFromDisk(path).last().text, text);
+}
+
+void HierarchyTextTest::aRefusedCommandShowsWhatClearingTheTextHasDeleted()
+{
+    HierarchyDesk desk;
+    desk.addFile(u"one.bdl"_s, u"- a\n- b\n"_s);
+    desk.start();
+    desk.goTo(u"b"_s);
+    QVERIFY(desk.model->registerShortcut(Qt::Key_B, u"B"_s));
+    desk.forget();
+    desk.type(QString());
+    desk.run(Command::GoToNext);
+    QCOMPARE(desk.refusals(), 1);
+    QCOMPARE(desk.outline(), u"- a\n"_s);
+    QCOMPARE(desk.model->getShortcutKeyText(), QString());
+    QCOMPARE(desk.changed->size(), 1);
 }
 
 QTEST_MAIN(HierarchyTextTest)

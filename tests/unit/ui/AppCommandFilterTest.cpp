@@ -91,6 +91,8 @@ private slots:
     void heldEnterInAListJumpsAndGoesNoFurther();
     void heldEscapeInADialogHidesItAndGoesNoFurther_data();
     void heldEscapeInADialogHidesItAndGoesNoFurther();
+    void theAwaitedShortcutKeyHeldTypesNothing_data();
+    void theAwaitedShortcutKeyHeldTypesNothing();
     void aCommandEndsTheWaitForAShortcutKey_data();
     void aCommandEndsTheWaitForAShortcutKey();
     void exitCancelledShowsWhatWritingTheTextHasChanged();
@@ -386,6 +388,34 @@ void AppCommandFilterTest::heldEscapeInADialogHidesItAndGoesNoFurther()
     QVERIFY(desk.activation.isAppActive());
     desk.press(Qt::Key_Escape);
     QVERIFY(!desk.activation.isAppActive());
+}
+
+void AppCommandFilterTest::theAwaitedShortcutKeyHeldTypesNothing_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("a letter") << int(Qt::Key_K);
+    QTest::newRow("Backspace") << int(Qt::Key_Backspace);
+}
+
+void AppCommandFilterTest::theAwaitedShortcutKeyHeldTypesNothing()
+{
+    QFETCH(int, key);
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    desk.goTo(desk.addEntry(root, u"text"_s, 0));
+    desk.show();
+    desk.press(Qt::Key_S, ctrl);
+    desk.press(key);
+    QVERIFY(!desk.window->isRegisteringShortcut());
+    for (int repeats = 0; repeats < 3; ++repeats) {
+        QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, u"k"_s, true);
+        QCoreApplication::sendEvent(desk.window->windowHandle(), &repeat);
+    }
+    QCOMPARE(desk.editor()->toPlainText(), u"text"_s);
+    desk.type(u"k"_s);
+    QKeyEvent repeat(QEvent::KeyPress, Qt::Key_K, Qt::NoModifier, u"k"_s, true);
+    QCoreApplication::sendEvent(desk.window->windowHandle(), &repeat);
+    QCOMPARE(desk.editor()->toPlainText(), u"textkk"_s);
 }
 
 void AppCommandFilterTest::aCommandEndsTheWaitForAShortcutKey_data()

@@ -97,6 +97,8 @@ private slots:
     void theSelectedRowOutlivesARebuiltList_data();
     void theSelectedRowOutlivesARebuiltList();
     void aDiscardThatTakesTheSelectedRowSelectsTheOneInItsPlace();
+    void ofRowsWithTheSameTextTheSelectedOneStaysSelected();
+    void rowsThatComeBackIntoAnEmptyListAreSelectedAgain();
 };
 
 void TodoListWindowTest::isASmallToolWindowOfItsOwn()
@@ -439,6 +441,41 @@ void TodoListWindowTest::aDiscardThatTakesTheSelectedRowSelectsTheOneInItsPlace(
     desk.todoWindow->showWindow({0, added});
     QCOMPARE(desk.selected(), u"new"_s);
     desk.files.rollbackAndRestartTransactions();
+    QCOMPARE(desk.selected(), u"a"_s);
+}
+
+void TodoListWindowTest::ofRowsWithTheSameTextTheSelectedOneStaysSelected()
+{
+    TodoWindowDesk desk{QStringList()};
+    const qint64 otherRoot = desk.addFile(u"other.bdl"_s);
+    const qint64 twin = desk.addEntry(otherRoot, u"b"_s, 0, EntryState::Todo, 1);
+    for (const EntryAddress &address : {EntryAddress{0, desk.idOf(u"b"_s)},
+                                        {0, desk.idOf(u"a"_s)},
+                                        {1, twin},
+                                        {0, desk.idOf(u"c"_s)}})
+        desk.todos.addTodo(address);
+    QCOMPARE(desk.rows(), u"cbab"_s);
+    desk.open();
+    desk.todoWindow->showWindow({0, desk.idOf(u"b"_s)});
+    desk.files.unloadFile(1, true);
+    QCOMPARE(desk.rows(), u"cab"_s);
+    QCOMPARE(desk.view()->currentIndex().row(), 2);
+    desk.files.openFile(desk.settings.filePath(u"new.bdl"_s), 0);
+    QCOMPARE(desk.view()->currentIndex().row(), 2);
+}
+
+void TodoListWindowTest::rowsThatComeBackIntoAnEmptyListAreSelectedAgain()
+{
+    TodoWindowDesk desk;
+    desk.files.commitAndRestartTransactions();
+    desk.open();
+    for (int row = 0; row < 3; ++row) {
+        desk.view()->setCurrentIndex(desk.todos.index(desk.todos.rowCount() - 1));
+        desk.pressInList(Qt::Key_Delete);
+    }
+    QCOMPARE(desk.rows(), QString());
+    desk.files.rollbackAndRestartTransactions();
+    QCOMPARE(desk.rows(), u"abc"_s);
     QCOMPARE(desk.selected(), u"a"_s);
 }
 
