@@ -187,12 +187,16 @@ private slots:
     void dialogOpensNoneOfTheFilesThatItShows();
     void dialogKeepsTheLocksOfOpenFiles_data();
     void dialogKeepsTheLocksOfOpenFiles();
+    void fileComesBeforeItsNeighbourWhateverHappensMeanwhile_data();
+    void fileComesBeforeItsNeighbourWhateverHappensMeanwhile();
+    void fileComesLastWhenItsNeighbourIsClosedMeanwhile_data();
+    void fileComesLastWhenItsNeighbourIsClosedMeanwhile();
     void dialogMovesAndRenamesNothing_data();
     void dialogMovesAndRenamesNothing();
 
 private:
     void addDialogs();
-    void showDialog();
+    void showDialog(int index = 0);
 
     QByteArray m_homeBefore;
     std::unique_ptr<TestSettings> m_settings;
@@ -458,13 +462,13 @@ void FileManagerDialogsTest::addDialogs()
     QTest::newRow("open") << false;
 }
 
-void FileManagerDialogsTest::showDialog()
+void FileManagerDialogsTest::showDialog(int index)
 {
     QFETCH(bool, create);
     if (create)
-        m_files->createFile(0);
+        m_files->createFile(index);
     else
-        m_files->loadFile(0);
+        m_files->loadFile(index);
 }
 
 void FileManagerDialogsTest::dialogOpensNoneOfTheFilesThatItShows_data()
@@ -527,6 +531,52 @@ void FileManagerDialogsTest::dialogKeepsTheLocksOfOpenFiles()
         QCOMPARE(rows(path, u"SELECT content FROM entrybody"_s), QStringList{u"unsaved"_s});
         QVERIFY(canBeWrittenByOthers(path));
     }
+}
+
+void FileManagerDialogsTest::fileComesBeforeItsNeighbourWhateverHappensMeanwhile_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::fileComesBeforeItsNeighbourWhateverHappensMeanwhile()
+{
+    QFETCH(bool, create);
+    FileUser user({u"new.bdl"_s});
+    if (!create)
+        makeEmptyStore(user.home(u"new.bdl"_s));
+    for (const QString &name : {u"c.bdl"_s, u"b.bdl"_s, u"a.bdl"_s})
+        m_files->openFile(user.home(name), 0);
+    user.beforeAnswering([this](QFileDialog *) {
+        m_files->unloadFile(0, true);
+        return true;
+    });
+    showDialog(1);
+    QCOMPARE(names(*m_files), (QStringList{u"new.bdl"_s, u"b.bdl"_s, u"c.bdl"_s}));
+}
+
+void FileManagerDialogsTest::fileComesLastWhenItsNeighbourIsClosedMeanwhile_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::fileComesLastWhenItsNeighbourIsClosedMeanwhile()
+{
+    QFETCH(bool, create);
+    FileUser user({u"new.bdl"_s});
+    if (!create)
+        makeEmptyStore(user.home(u"new.bdl"_s));
+    for (const QString &name : {u"b.bdl"_s, u"a.bdl"_s})
+        m_files->openFile(user.home(name), 0);
+    const QSignalSpy loaded(m_files.get(), &FileManager::fileLoaded);
+    user.beforeAnswering([this](QFileDialog *) {
+        m_files->unloadFile(1, true);
+        m_files->unloadFile(0, true);
+        return true;
+    });
+    showDialog(1);
+    QCOMPARE(names(*m_files), QStringList{u"new.bdl"_s});
+    QCOMPARE(loaded.size(), 1);
+    QCOMPARE(loaded.first().first().toInt(), 0);
 }
 
 void FileManagerDialogsTest::dialogMovesAndRenamesNothing_data()
