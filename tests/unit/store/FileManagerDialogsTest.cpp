@@ -1,159 +1,20 @@
 // SPDX-License-Identifier: MIT
+#include "FileUser.h"
 #include "StoreTestSupport.h"
 #include "fakes/TestSettings.h"
 #include "store/FileManager.h"
 
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
-#include <QFileSystemModel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
-#include <array>
-#include <cstring>
 #include <unistd.h>
-#ifdef Q_OS_LINUX
-#include <sys/inotify.h>
-#endif
 
 using namespace Qt::StringLiterals;
 using namespace StoreTest;
 
 namespace
 {
-
-/// How a file dialog looked when it came up.
-struct SeenDialog {
-    QString title;
-    QString folder;
-    QString fileName;
-    QStringList filters;
-    QString selectedFilter;
-    QFileDialog::AcceptMode mode = QFileDialog::AcceptOpen;
-    bool hasParent = false;
-};
-
-/// A home folder of the test's own, with a user who answers file dialogs by typing names: the first
-/// for the first dialog and so on; an empty one, or none, cancels.
-class FileUser
-{
-public:
-    FileUser(const QStringList &typed, const QList<QMessageBox::StandardButton> &boxAnswers = {})
-        : boxes(boxAnswers)
-        , m_typed(typed)
-    {
-        qputenv("HOME", QFile::encodeName(m_home.path()));
-        boxes.onOtherModal([this](QWidget *modal) {
-            if (auto *dialog = qobject_cast<QFileDialog *>(modal))
-                answer(dialog);
-        });
-    }
-
-    QString home(const QString &name) const { return m_home.filePath(name); }
-
-    /// Runs while a dialog is on the screen, before it is answered, which waits for it to return
-    /// true.
-    void beforeAnswering(const std::function<bool(QFileDialog *)> &action) { m_before = action; }
-
-    BoxAnswers boxes;
-    QList<SeenDialog> dialogs;
-
-private:
-    void answer(QFileDialog *dialog)
-    {
-        // Back after the user didn't like what its question said.
-        const QVariant boxesBefore = dialog->property("boxesBefore");
-        if (boxesBefore.isValid() && boxes.seen().size() > boxesBefore.toInt())
-            dialog->reject();
-        if (boxesBefore.isValid() || (m_before && !m_before(dialog)))
-            return;
-        dialog->setProperty("boxesBefore", boxes.seen().size());
-        auto *edit = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s);
-        auto *buttons = dialog->findChild<QDialogButtonBox *>();
-        const QString name = m_typed.value(dialogs.size());
-        dialogs << SeenDialog{dialog->windowTitle(),
-                              dialog->directory().absolutePath(),
-                              edit->text(),
-                              dialog->nameFilters(),
-                              dialog->selectedNameFilter(),
-                              dialog->acceptMode(),
-                              dialog->parentWidget() != nullptr};
-        QPushButton *button = buttons->button(QDialogButtonBox::Cancel);
-        if (!name.isEmpty()) {
-            edit->setText(name);
-            const auto accept = dialog->acceptMode() == QFileDialog::AcceptSave
-                ? QDialogButtonBox::Save
-                : QDialogButtonBox::Open;
-            button = buttons->button(accept);
-        }
-        // Not from in here: the dialog may ask a question of its own.
-        QTimer::singleShot(0, button, &QPushButton::click);
-    }
-
-    QTemporaryDir m_home;
-    QStringList m_typed;
-    std::function<bool(QFileDialog *)> m_before;
-};
-
-/// Whether \a dialog shows \a count files of the folder \a folder, each with its icon and kind.
-bool showsFiles(QFileDialog *dialog, const QString &folder, int count)
-{
-    if (dialog->nameFilters() != QStringList{u"Any file (*)"_s})
-        dialog->setNameFilter(u"Any file (*)"_s);
-    const auto *model = dialog->findChild<QFileSystemModel *>();
-    const QModelIndex parent = model->index(folder);
-    if (model->rowCount(parent) != count)
-        return false;
-    for (int row = 0; row < count; ++row) {
-        const QModelIndex file = model->index(row, 0, parent);
-        if (file.data(QFileSystemModel::FileIconRole).value<QIcon>().isNull()
-            || file.siblingAtColumn(2).data().toString().isEmpty())
-            return false;
-    }
-    return true;
-}
-
-#ifdef Q_OS_LINUX
-/// Notes which files of a folder are opened by whomever.
-class OpenWatch
-{
-public:
-    explicit OpenWatch(const QString &folder)
-        : m_descriptor(inotify_init1(IN_NONBLOCK))
-    {
-        inotify_add_watch(m_descriptor, QFile::encodeName(folder).constData(), IN_OPEN | IN_CLOSE);
-    }
-    ~OpenWatch() { ::close(m_descriptor); }
-    Q_DISABLE_COPY_MOVE(OpenWatch)
-
-    /// The names of the files (not folders) that were opened or closed since the last call.
-    QStringList names() const
-    {
-        QStringList found;
-        alignas(inotify_event) std::array<char, 4096> buffer{};
-        while (true) {
-            const ssize_t length = ::read(m_descriptor, buffer.data(), buffer.size());
-            if (length <= 0)
-                break;
-            for (ssize_t at = 0; at < length;) {
-                inotify_event event{};
-                std::memcpy(&event, buffer.data() + at, sizeof event);
-                if (!(event.mask & IN_ISDIR))
-                    found << QString::fromLocal8Bit(buffer.data() + at + sizeof event);
-                at += static_cast<ssize_t>(sizeof event + event.len);
-            }
-        }
-        found.removeDuplicates();
-        return found;
-    }
-
-private:
-    int m_descriptor;
-};
-#endif
-
 const QString filter = u"Brindle files (*.bdl)"_s;
 } // namespace
 
@@ -183,16 +44,14 @@ private slots:
     void openingAFileWithoutRightsAsksAgain();
     void openingADamagedFileIsReported();
     void openingAnOldFileUpgradesIt();
-    void dialogOpensNoneOfTheFilesThatItShows_data();
-    void dialogOpensNoneOfTheFilesThatItShows();
-    void dialogKeepsTheLocksOfOpenFiles_data();
-    void dialogKeepsTheLocksOfOpenFiles();
-    void dialogMovesAndRenamesNothing_data();
-    void dialogMovesAndRenamesNothing();
+    void fileComesBeforeItsNeighbourWhateverHappensMeanwhile_data();
+    void fileComesBeforeItsNeighbourWhateverHappensMeanwhile();
+    void fileComesLastWhenItsNeighbourIsClosedMeanwhile_data();
+    void fileComesLastWhenItsNeighbourIsClosedMeanwhile();
 
 private:
     void addDialogs();
-    void showDialog();
+    void showDialog(int index = 0);
 
     QByteArray m_homeBefore;
     std::unique_ptr<TestSettings> m_settings;
@@ -458,100 +317,59 @@ void FileManagerDialogsTest::addDialogs()
     QTest::newRow("open") << false;
 }
 
-void FileManagerDialogsTest::showDialog()
+void FileManagerDialogsTest::showDialog(int index)
 {
     QFETCH(bool, create);
     if (create)
-        m_files->createFile(0);
+        m_files->createFile(index);
     else
-        m_files->loadFile(0);
+        m_files->loadFile(index);
 }
 
-void FileManagerDialogsTest::dialogOpensNoneOfTheFilesThatItShows_data()
+void FileManagerDialogsTest::fileComesBeforeItsNeighbourWhateverHappensMeanwhile_data()
 {
     addDialogs();
 }
 
-void FileManagerDialogsTest::dialogOpensNoneOfTheFilesThatItShows()
+void FileManagerDialogsTest::fileComesBeforeItsNeighbourWhateverHappensMeanwhile()
 {
-#ifdef Q_OS_LINUX
-    FileUser user({QString()});
-    const QStringList fileNames
-        = {u"work.bdl"_s, u"notes.db"_s, u"plain"_s, u"a.txt"_s, u"picture.png"_s, u"b.desktop"_s};
-    for (const QString &name : fileNames)
-        QVERIFY(writeBytes(user.home(name), "content"));
-    // Where a dialog starts that is told of no folder.
-    const QString formerFolder = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(user.home(QString())));
-    const OpenWatch watch(user.home(QString()));
-    user.beforeAnswering([&](QFileDialog *dialog) {
-        return showsFiles(dialog, user.home(QString()), static_cast<int>(fileNames.size()));
-    });
-    showDialog();
-    QVERIFY(QDir::setCurrent(formerFolder));
-    QCOMPARE(user.dialogs.size(), 1);
-    QCOMPARE(watch.names(), QStringList());
-    // The watch does notice an opened file.
-    QFile opened(user.home(u"plain"_s));
-    QVERIFY(opened.open(QFile::ReadOnly));
-    QCOMPARE(watch.names(), QStringList{u"plain"_s});
-#else
-    QSKIP("this system doesn't tell which files are opened");
-#endif
-}
-
-void FileManagerDialogsTest::dialogKeepsTheLocksOfOpenFiles_data()
-{
-    addDialogs();
-}
-
-void FileManagerDialogsTest::dialogKeepsTheLocksOfOpenFiles()
-{
-    FileUser user({QString()});
-    const QStringList paths
-        = {user.home(u"work.bdl"_s), user.home(u"notes.db"_s), user.home(u"plain"_s)};
-    for (const QString &path : paths) {
-        m_files->openFile(path, 0);
-        m_files->getFile(0)->updateEntryBody(1, u"unsaved"_s, true);
-    }
-    // Each with its journal.
-    user.beforeAnswering([&](QFileDialog *dialog) {
-        return showsFiles(dialog, user.home(QString()), 2 * static_cast<int>(paths.size()));
-    });
-    showDialog();
-    QCOMPARE(user.dialogs.size(), 1);
-    for (const QString &path : paths)
-        QVERIFY2(!canBeWrittenByOthers(path), qPrintable(path));
-    QVERIFY(m_files->commitAndRestartTransactions());
-    for (const QString &path : paths) {
-        QCOMPARE(rows(path, u"SELECT content FROM entrybody"_s), QStringList{u"unsaved"_s});
-        QVERIFY(canBeWrittenByOthers(path));
-    }
-}
-
-void FileManagerDialogsTest::dialogMovesAndRenamesNothing_data()
-{
-    addDialogs();
-}
-
-void FileManagerDialogsTest::dialogMovesAndRenamesNothing()
-{
-    FileUser user({QString()});
-    int views = 0;
-    user.beforeAnswering([&views](QFileDialog *dialog) {
-        for (const QString &name : {u"listView"_s, u"treeView"_s}) {
-            const auto *view = dialog->findChild<QAbstractItemView *>(name);
-            views += view && view->dragDropMode() == QAbstractItemView::NoDragDrop
-                    && !view->acceptDrops() && !view->dragEnabled()
-                    && view->editTriggers() == QAbstractItemView::NoEditTriggers
-                    && view->contextMenuPolicy() == Qt::NoContextMenu
-                ? 1
-                : 0;
-        }
+    QFETCH(bool, create);
+    FileUser user({u"new.bdl"_s});
+    if (!create)
+        makeEmptyStore(user.home(u"new.bdl"_s));
+    for (const QString &name : {u"c.bdl"_s, u"b.bdl"_s, u"a.bdl"_s})
+        m_files->openFile(user.home(name), 0);
+    user.beforeAnswering([this](QFileDialog *) {
+        m_files->unloadFile(0, true);
         return true;
     });
-    showDialog();
-    QCOMPARE(views, 2);
+    showDialog(1);
+    QCOMPARE(names(*m_files), (QStringList{u"new.bdl"_s, u"b.bdl"_s, u"c.bdl"_s}));
+}
+
+void FileManagerDialogsTest::fileComesLastWhenItsNeighbourIsClosedMeanwhile_data()
+{
+    addDialogs();
+}
+
+void FileManagerDialogsTest::fileComesLastWhenItsNeighbourIsClosedMeanwhile()
+{
+    QFETCH(bool, create);
+    FileUser user({u"new.bdl"_s});
+    if (!create)
+        makeEmptyStore(user.home(u"new.bdl"_s));
+    for (const QString &name : {u"b.bdl"_s, u"a.bdl"_s})
+        m_files->openFile(user.home(name), 0);
+    const QSignalSpy loaded(m_files.get(), &FileManager::fileLoaded);
+    user.beforeAnswering([this](QFileDialog *) {
+        m_files->unloadFile(1, true);
+        m_files->unloadFile(0, true);
+        return true;
+    });
+    showDialog(1);
+    QCOMPARE(names(*m_files), QStringList{u"new.bdl"_s});
+    QCOMPARE(loaded.size(), 1);
+    QCOMPARE(loaded.first().first().toInt(), 0);
 }
 
 QTEST_MAIN(FileManagerDialogsTest)

@@ -135,7 +135,7 @@ void FileManagerErrorsTest::secondErrorOfAFileIsNotShownAndClosesNoOther()
     QVERIFY(desk.fail(0));
     QVERIFY(fileError([&] { desk.store(0).getRootExcerpt(); }));
     QTRY_COMPARE(boxes.seen().size(), 1);
-    QTest::qWait(100);
+    QCoreApplication::processEvents();
     QCOMPARE(boxes.texts(), QStringList{closedText(u"0.bdl"_s)});
     QCOMPARE(desk.names(), (QStringList{u"1.bdl"_s, u"2.bdl"_s}));
 }
@@ -163,7 +163,7 @@ void FileManagerErrorsTest::errorOfAFileClosedMeanwhileClosesNoOther()
     const BoxAnswers boxes;
     QVERIFY(desk.fail(1));
     desk.files->unloadFile(1, true);
-    QTest::qWait(100);
+    QCoreApplication::processEvents();
     QCOMPARE(boxes.texts(), QStringList());
     QCOMPARE(desk.names(), (QStringList{u"0.bdl"_s, u"2.bdl"_s}));
 }
@@ -179,7 +179,7 @@ void FileManagerErrorsTest::errorOfAFileClosedAndReopenedMeanwhileClosesNothing(
             desk.files->unloadFile(1, true);
             desk.files->openFile(desk.paths[1], 1);
         }
-        QTest::qWait(100);
+        QCoreApplication::processEvents();
         QCOMPARE(boxes.texts(), QStringList());
     }
     QCOMPARE(desk.names(), (QStringList{u"0.bdl"_s, u"1.bdl"_s}));
@@ -214,7 +214,7 @@ void FileManagerErrorsTest::errorClosingTheAskedFileWhileTheQuestionIsOpen()
     boxes.before(0, [&] { desk.fail(0); });
     desk.files->unloadFile(0, false);
     QTRY_COMPARE(boxes.seen().size(), 2);
-    QTest::qWait(50);
+    QCoreApplication::processEvents();
     QCOMPARE(desk.names(), (QStringList{u"1.bdl"_s, u"2.bdl"_s}));
 }
 
@@ -245,7 +245,7 @@ void FileManagerErrorsTest::errorWithoutAFailedFileClosesNothing()
     const Desk desk(2);
     const BoxAnswers boxes;
     desk.files->fileError(DiskStore::FileException(u"message"_s, u"details"_s));
-    QTest::qWait(50);
+    QCoreApplication::processEvents();
     QCOMPARE(boxes.texts(), QStringList());
     QCOMPARE(desk.files->getFileCount(), 2);
 }
@@ -257,7 +257,7 @@ void FileManagerErrorsTest::errorsPendingWhenTheSetIsDeletedAreForgotten()
     QVERIFY(desk.fail(0));
     QVERIFY(desk.fail(1));
     desk.files.reset();
-    QTest::qWait(50);
+    QCoreApplication::processEvents();
     QCOMPARE(boxes.texts(), QStringList());
 }
 

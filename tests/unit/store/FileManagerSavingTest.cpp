@@ -3,6 +3,7 @@
 #include "fakes/TestSettings.h"
 #include "store/FileManager.h"
 
+#include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -43,15 +44,23 @@ struct Desk {
 };
 
 /// Runs the event loop, asking the given desk to quit in it. \return whether it was left that way;
-/// else it is ended after a while.
+/// else it is ended once all is said and answered.
 bool quits(Desk &desk)
 {
     bool gaveUp = false;
     const QObject context;
-    QTimer::singleShot(0, &context, [&desk] { desk.files.promptUserToMaybeSaveChangesAndExit(); });
-    QTimer::singleShot(700, &context, [&gaveUp] {
+    // Not in the round of the event loop in which the desk may have left it.
+    QTimer giveUp;
+    giveUp.setInterval(1);
+    QObject::connect(&giveUp, &QTimer::timeout, &context, [&gaveUp] {
+        if (QApplication::activeModalWidget())
+            return;
         gaveUp = true;
         QCoreApplication::exit(3);
+    });
+    QTimer::singleShot(0, &context, [&desk, &giveUp] {
+        desk.files.promptUserToMaybeSaveChangesAndExit();
+        giveUp.start();
     });
     return QCoreApplication::exec() == 0 && !gaveUp;
 }
