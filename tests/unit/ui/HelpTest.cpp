@@ -416,6 +416,9 @@ void HelpTest::guideHasAllSectionsInTheirOrder()
     const QString text = desk.guide()->toPlainText();
     QVERIFY(text.contains(u"Brindle, v0.3"_s));
     QVERIFY(text.contains(Global::getCopyrightString(false)));
+    QVERIFY(text.contains(u"MIT licence"_s));
+    QVERIFY(text.contains(u"brindle --toggle"_s));
+    QVERIFY(!text.contains(u'{') && !text.contains(u'}'));
 }
 
 void HelpTest::guideIsReadAsUtf8()
