@@ -102,6 +102,8 @@ private slots:
     void hidingIsAnnounced();
     void titleAndPrefixSurviveAChangeOfTheLanguage();
     void itsSizeIsFixed();
+    void onceItIsShownItsSizeStays_data();
+    void onceItIsShownItsSizeStays();
     void aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot();
 };
 
@@ -464,6 +466,27 @@ void SettingsTest::itsSizeIsFixed()
     desk.show();
     QCOMPARE(desk.dialog.size(), desk.dialog.sizeHint());
     QCOMPARE(desk.dialog.minimumSize(), desk.dialog.maximumSize());
+}
+
+void SettingsTest::onceItIsShownItsSizeStays_data()
+{
+    QTest::addColumn<QString>("notice");
+    QTest::newRow("hotkey works") << QString();
+    QTest::newRow("no hotkey") << u"There is no hotkey here. Use something else instead."_s;
+}
+
+// A window that is resized while it is framed is asked for at a wrong place.
+void SettingsTest::onceItIsShownItsSizeStays()
+{
+    QFETCH(QString, notice);
+    SettingsDesk desk;
+    desk.native.hotkeyNotice = notice;
+    desk.dialog.restoreShowAndActivate();
+    const QSize size = desk.dialog.size();
+    QVERIFY(QTest::qWaitForWindowExposed(&desk.dialog));
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(desk.dialog.size(), size);
+    QCOMPARE(size, desk.dialog.sizeHint());
 }
 
 void SettingsTest::aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot()
