@@ -143,6 +143,10 @@ void FindWindowTest::isASmallToolWindowWithTheKeyboardInTheQuery()
     QVERIFY(!desk.findWindow->isModal());
     QCOMPARE(desk.findWindow->minimumHeight(), 35);
     QCOMPARE(desk.findWindow->layout()->contentsMargins(), QMargins(10, 10, 10, 10));
+    const QLayout *fileRow = desk.findWindow->layout()->itemAt(0)->widget()->layout();
+    QCOMPARE(fileRow->contentsMargins(), QMargins());
+    QCOMPARE(fileRow->spacing(), 5);
+    QCOMPARE(fileRow->itemAt(2)->expandingDirections(), Qt::Horizontal);
     QCOMPARE(desk.menu()->focusPolicy(), Qt::NoFocus);
     QCOMPARE(desk.list()->focusPolicy(), Qt::NoFocus);
     QVERIFY(desk.query()->hasFocus());
