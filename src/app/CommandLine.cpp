@@ -98,6 +98,10 @@ void CommandLine::answerWithoutDisplay(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     describe(parser);
+    if (parser.parse(QCoreApplication::arguments()) && parser.isSet(u"version"_s)) {
+        std::printf("Brindle %s\nLicence: MIT\n", qPrintable(Version::text()));
+        std::exit(EXIT_SUCCESS);
+    }
     parser.process(application);
 }
 

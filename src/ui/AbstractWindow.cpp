@@ -80,8 +80,7 @@ void AbstractWindow::restoreShowAndActivate()
 
 void AbstractWindow::beginToSettle()
 {
-    if (!m_settings.contains(getWindowPosSettingsKey()))
-        return;
+    m_hasNoPlaceYet = !m_settings.contains(getWindowPosSettingsKey());
     m_settlingAt = pos();
     m_settled.setRemainingTime(settlingTimeMs);
     m_settleTimer->start();
@@ -100,10 +99,28 @@ void AbstractWindow::settle()
     const QPoint frameWidth(frame.left(), frame.top());
     if (frameWidth.isNull())
         return;
+    if (m_hasNoPlaceYet) {
+        keepOnScreen();
+        return;
+    }
     fitCorrection();
     const QPoint slip = framePosition(this) - m_settlingAt;
     if (slip == frameWidth || slip == -frameWidth)
         move(m_settlingAt);
+}
+
+// Nobody has chosen this place. While the window manager frames the window, the toolkit can take
+// the place within the frame for one on the screen, and asks for that when the window is resized.
+void AbstractWindow::keepOnScreen()
+{
+    const QPoint fitted = placeOnScreen();
+    if (NativeSupport::tellsWindowPlaces() && fitted != framePosition(this))
+        move(fitted);
+}
+
+QPoint AbstractWindow::placeOnScreen() const
+{
+    return ScreenPlacement::fittedPosition(QRect(framePosition(this), frameGeometry().size()));
 }
 
 // Only now the frame is known, which must not stick out of the screen either.
@@ -118,6 +135,11 @@ void AbstractWindow::fitCorrection()
     m_settlingAt = fitted;
     m_correction = Correction{fitted};
     move(fitted);
+}
+
+bool AbstractWindow::isFirstSettling() const
+{
+    return m_hasNoPlaceYet && m_settleTimer->isActive();
 }
 
 // Once the window is hidden the toolkit no longer knows its frame.
@@ -180,7 +202,8 @@ void AbstractWindow::saveConfigInSettings()
     m_settings.setValue(getWindowSizeSettingsKey(), size());
     // A made-up place would be taken for a real one on the next desktop.
     if (NativeSupport::tellsWindowPlaces() && !standsAtCorrectedPlace())
-        m_settings.setValue(getWindowPosSettingsKey(), framePosition(this));
+        m_settings.setValue(getWindowPosSettingsKey(),
+                            isFirstSettling() ? placeOnScreen() : framePosition(this));
     m_settings.sync();
 }
 

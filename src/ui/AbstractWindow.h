@@ -70,6 +70,9 @@ private:
     void tieToOwner();
     void beginToSettle();
     void settle();
+    void keepOnScreen();
+    QPoint placeOnScreen() const;
+    bool isFirstSettling() const;
     void fitCorrection();
     void saveLater(const QEvent &change);
     void savePendingPlace();
@@ -84,5 +87,6 @@ private:
     std::optional<Correction> m_correction;
     QTimer *m_settleTimer; ///< Runs for a while after the window was shown.
     QDeadlineTimer m_settled;
+    bool m_hasNoPlaceYet = false; ///< When it was last shown, the settings held no place.
     QPoint m_settlingAt; ///< Where the frame is to be meanwhile.
 };

@@ -48,15 +48,22 @@ void Settings::fillIn()
 // Coming back from the taskbar is no showing: what was changed and not accepted yet stays.
 void Settings::showEvent(QShowEvent *event)
 {
+    if (!event->spontaneous())
+        showStoredValues();
     AbstractWindow::showEvent(event);
-    if (event->spontaneous())
-        return;
+}
+
+void Settings::showStoredValues()
+{
     m_ui->activationCheckbox->setChecked(m_activationSupport->isAutomaticActivationEnabled());
     m_ui->activationMinutesBox->setValue(m_activationSupport->getAutomaticActivationPeriod());
     setHotkey(m_activationSupport->getHotkeyKey(),
               m_activationSupport->getHotkeyNativeVirtualKey());
     showHotkeyNotice();
     m_ui->checkForUpdatesCheckbox->setChecked(!QSettings().contains(dontCheckForUpdatesKey));
+    // Its size is to stand before the window manager frames the window: resized meanwhile, it is
+    // asked for at a place that was never meant.
+    layout()->activate();
 }
 
 void Settings::showHotkeyNotice()

@@ -34,6 +34,7 @@ private slots:
 
 private:
     void fillIn();
+    void showStoredValues();
     void showHotkeyNotice();
     void setHotkey(int key, unsigned int nativeKey);
 

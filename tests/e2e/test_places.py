@@ -6,10 +6,11 @@ from brindle_e2e.case import BrindleTestCase, main
 from brindle_e2e.datafile import Entry
 from brindle_e2e.waiting import stays, wait_for, wait_for_value
 from brindle_e2e.windows import (FIND, HELP, OPENING_KEYS, REPORT_RANGE, SETTINGS, TODO_LIST,
-                                 WindowsTestCase)
+                                 Window, WindowsTestCase)
 
 STORED_NAMES = {TODO_LIST: "TodoListWindow", FIND: "FindWindow"}
 RESIZABLE = (TODO_LIST, FIND)
+FIRST_SHOWN = {SETTINGS: "Settings", HELP: "HelpWindow", REPORT_RANGE: "CreateReport", **STORED_NAMES}
 
 
 def in_pixels(desktop, place):
@@ -142,6 +143,22 @@ class ToolWindowPlaces(WindowsTestCase):
             brindle.keys("ctrl+q")
             self.assertEqual(brindle.wait_for_exit(), 0)
             brindle = self.start()
+
+    def test_a_place_that_nobody_chose_is_never_off_the_screen_nor_stored_so(self):
+        brindle = self.start_on_work()
+        for title, name in FIRST_SHOWN.items():
+            with self.subTest(window=title):
+                # At once: later it would be the user who puts it there.
+                brindle.keys(OPENING_KEYS[title])
+                window = Window(brindle, title)
+                size = self.desktop.screen.place(wait_for(lambda: window.id, title))[2:]
+                # What comes of a place within the frame that is taken for one on the screen.
+                self.desktop.screen.move_resize(window.id, 0, 0, *size)
+                window.wait_until_in_front()
+                wait_for(lambda: self.desktop.screen.place(window.id)[1] > 7, "its title bar in sight")
+                stored = wait_for(lambda: self.home.stored_place(name), "its place stored")
+                self.assertGreaterEqual(min(stored[:2]), 0)
+                self.close(window)
 
     def test_the_lists_come_back_at_their_places_also_after_a_restart(self):
         brindle = self.start_on_work()

@@ -296,7 +296,7 @@ class CommandLine(BrindleTestCase):
 
     def test_version_needs_no_display(self):
         answer = self.answer("--version")
-        self.assertEqual((answer.returncode, answer.stdout.strip()), (0, "Brindle 0.3"))
+        self.assertEqual((answer.returncode, answer.stdout.strip()), (0, "Brindle 0.3\nLicence: MIT"))
 
     def test_help_needs_no_display(self):
         answer = self.answer("--help")

@@ -104,6 +104,7 @@ private slots:
     void resultsComeWhileTyping();
     void theLastWordIsFoundByItsBeginning();
     void aLongResultIsShortenedWithAnEllipsis();
+    void whatTheGuideSaysAboutLettersHolds();
     void aResultOfSeveralLinesIsShownOnOne();
     void whileItIsHiddenAChangeOfARootSearchesNothing();
     void theSecondFileShowsTheFileRow();
@@ -142,6 +143,10 @@ void FindWindowTest::isASmallToolWindowWithTheKeyboardInTheQuery()
     QVERIFY(!desk.findWindow->isModal());
     QCOMPARE(desk.findWindow->minimumHeight(), 35);
     QCOMPARE(desk.findWindow->layout()->contentsMargins(), QMargins(10, 10, 10, 10));
+    const QLayout *fileRow = desk.findWindow->layout()->itemAt(0)->widget()->layout();
+    QCOMPARE(fileRow->contentsMargins(), QMargins());
+    QCOMPARE(fileRow->spacing(), 5);
+    QCOMPARE(fileRow->itemAt(2)->expandingDirections(), Qt::Horizontal);
     QCOMPARE(desk.menu()->focusPolicy(), Qt::NoFocus);
     QCOMPARE(desk.list()->focusPolicy(), Qt::NoFocus);
     QVERIFY(desk.query()->hasFocus());
@@ -203,6 +208,25 @@ void FindWindowTest::whileItIsHiddenAChangeOfARootSearchesNothing()
     QCOMPARE(desk.results(), before);
     desk.findWindow->activateAndSelectQuery();
     QCOMPARE(desk.results().size(), 2);
+}
+
+void FindWindowTest::whatTheGuideSaysAboutLettersHolds()
+{
+    QFile guide(u":/help/main.html"_s);
+    QVERIFY(guide.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(guide.readAll()).simplified();
+    QVERIFY(text.contains(u"“pot” and “Pot” find “Potatoes”"_s));
+    QVERIFY(text.contains(u"“POT” finds “pot”, but not “Potatoes”"_s));
+    FindDesk desk;
+    const qint64 root = desk.addFile(u"one.bdl"_s);
+    desk.addEntry(root, u"Potatoes"_s, 0);
+    for (const QString &query : {u"pot"_s, u"Pot"_s}) {
+        desk.find(query);
+        QCOMPARE(desk.results(), QStringList{u"{Potatoes}"_s});
+    }
+    desk.addEntry(root, u"pot"_s, 1);
+    desk.find(u"POT"_s);
+    QCOMPARE(desk.results(), QStringList{u"{pot}"_s});
 }
 
 void FindWindowTest::aResultOfSeveralLinesIsShownOnOne()

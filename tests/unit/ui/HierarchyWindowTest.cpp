@@ -12,6 +12,7 @@ class HierarchyWindowTest : public QObject
 private slots:
     void startsAsLaidOut();
     void gridHoldsEveryPartAtItsPlace();
+    void rowsAndPanelsKeepTheirDistances();
     void styleSheetIsExact();
     void buttonsTakeNoKeyboardAndAreNeverDefault();
     void imagesAreCompiledIn();
@@ -100,6 +101,43 @@ void HierarchyWindowTest::gridHoldsEveryPartAtItsPlace()
     QCOMPARE(grid->contentsMargins(), QMargins(2, 2, 2, 2));
     QCOMPARE(stack->widget(0), desk.editor());
     QCOMPARE(stack->widget(1)->layout()->contentsMargins(), QMargins(25, 25, 25, 25));
+}
+
+void HierarchyWindowTest::rowsAndPanelsKeepTheirDistances()
+{
+    const UiDesk desk;
+    const QMargins narrow(2, 2, 2, 2);
+    const QLayout *window = desk.window->layout();
+    QCOMPARE(window->spacing(), 0);
+    QCOMPARE(window->contentsMargins(), narrow);
+    const QLayout *parentRow = window->itemAt(0)->layout();
+    QVERIFY(parentRow);
+    QCOMPARE(parentRow->spacing(), 3);
+    QCOMPARE(parentRow->contentsMargins(), narrow);
+    QCOMPARE(parentRow->count(), 4);
+    QCOMPARE(parentRow->itemAt(3)->sizeHint().width(), 13);
+
+    const QLayout *indented = window->itemAt(1)->widget()->layout();
+    QCOMPARE(qobject_cast<const QBoxLayout *>(window)->stretch(1), 1);
+    QCOMPARE(indented->contentsMargins(), narrow);
+    QCOMPARE(indented->itemAt(0)->sizeHint().width(), 20);
+
+    auto *grid = desk.window->findChild<QGridLayout *>();
+    const QLayout *keyColumn = grid->itemAtPosition(1, 2)->layout();
+    QVERIFY(keyColumn);
+    QCOMPARE(keyColumn->spacing(), 0);
+    QCOMPARE(keyColumn->contentsMargins(), QMargins());
+    QCOMPARE(keyColumn->itemAt(1)->sizeHint(), QSize(5, 10));
+    QCOMPARE(keyColumn->itemAt(1)->expandingDirections(), Qt::Vertical);
+
+    const QLayout *filePanel = desk.child<QWidget>("closeButton")->parentWidget()->layout();
+    QCOMPARE(filePanel->spacing(), 10);
+    QCOMPARE(filePanel->contentsMargins(), QMargins(0, 0, 0, 10));
+
+    auto *panel = qobject_cast<QFrame *>(desk.window->findChild<QStackedWidget *>()->widget(1));
+    QVERIFY(panel);
+    QCOMPARE(panel->frameStyle(), QFrame::StyledPanel | QFrame::Raised);
+    QCOMPARE(panel->lineWidth(), 1);
 }
 
 void HierarchyWindowTest::styleSheetIsExact()
@@ -439,6 +477,8 @@ void HierarchyWindowTest::activateGivesTheEditorTheKeyboard()
     other.show();
     other.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&other));
+    // Or the toolkit would give the keyboard back to the part that had it.
+    desk.editor()->clearFocus();
     desk.window->activate();
     QVERIFY(QTest::qWaitForWindowActive(desk.window.get()));
     QTRY_VERIFY(desk.editor()->hasFocus());

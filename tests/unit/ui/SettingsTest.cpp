@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/Settings.h"
 #include "app/activation/AppActivationSupport.h"
+#include "fakes/OtherLanguage.h"
 #include "fakes/RecordingNativeSupport.h"
 #include "unit/ui/DialogDesk.h"
 
@@ -102,6 +103,8 @@ private slots:
     void hidingIsAnnounced();
     void titleAndPrefixSurviveAChangeOfTheLanguage();
     void itsSizeIsFixed();
+    void onceItIsShownItsSizeStays_data();
+    void onceItIsShownItsSizeStays();
     void aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot();
 };
 
@@ -451,10 +454,10 @@ void SettingsTest::titleAndPrefixSurviveAChangeOfTheLanguage()
 {
     SettingsDesk desk;
     desk.show();
-    QEvent change(QEvent::LanguageChange);
-    QCoreApplication::sendEvent(&desk.dialog, &change);
-    QCOMPARE(desk.dialog.windowTitle(), u"Settings"_s);
-    QCOMPARE(desk.child<QLabel>(u"hotkeyPrefixLabel"_s)->text(), u"Ctrl+Alt+"_s);
+    const OtherLanguage language;
+    QCOMPARE(desk.dialog.windowTitle(), u"~Settings"_s);
+    QCOMPARE(desk.child<QLabel>(u"hotkeyPrefixLabel"_s)->text(), u"~Ctrl+Alt+"_s);
+    QCOMPARE(desk.automatic()->text(), u"~Automatically activate every"_s);
 }
 
 void SettingsTest::itsSizeIsFixed()
@@ -464,6 +467,27 @@ void SettingsTest::itsSizeIsFixed()
     desk.show();
     QCOMPARE(desk.dialog.size(), desk.dialog.sizeHint());
     QCOMPARE(desk.dialog.minimumSize(), desk.dialog.maximumSize());
+}
+
+void SettingsTest::onceItIsShownItsSizeStays_data()
+{
+    QTest::addColumn<QString>("notice");
+    QTest::newRow("hotkey works") << QString();
+    QTest::newRow("no hotkey") << u"There is no hotkey here. Use something else instead."_s;
+}
+
+// A window that is resized while it is framed is asked for at a wrong place.
+void SettingsTest::onceItIsShownItsSizeStays()
+{
+    QFETCH(QString, notice);
+    SettingsDesk desk;
+    desk.native.hotkeyNotice = notice;
+    desk.dialog.restoreShowAndActivate();
+    const QSize size = desk.dialog.size();
+    QVERIFY(QTest::qWaitForWindowExposed(&desk.dialog));
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(desk.dialog.size(), size);
+    QCOMPARE(size, desk.dialog.sizeHint());
 }
 
 void SettingsTest::aDesktopThatGivesNoHotkeySaysSoAsLongAsItDoesNot()

@@ -76,6 +76,7 @@ private slots:
     void showingSelectsTheFirstRow();
     void showingAgainKeepsTheSelection();
     void showingForAnEntrySelectsItsRowAndScrollsToIt();
+    void theRowOfAnEntryIsScrolledToTheMiddle();
     void showingForAnEntryThatIsNotListedSelectsTheFirst();
     void deletingAMiddleRowSelectsTheOneThatMovedUp_data();
     void deletingAMiddleRowSelectsTheOneThatMovedUp();
@@ -176,6 +177,24 @@ void TodoListWindowTest::showingForAnEntrySelectsItsRowAndScrollsToIt()
     QCOMPARE(desk.selected(), u"e0"_s);
     QTRY_VERIFY(desk.view()->viewport()->rect().contains(
         desk.view()->visualRect(desk.view()->currentIndex()).center()));
+}
+
+void TodoListWindowTest::theRowOfAnEntryIsScrolledToTheMiddle()
+{
+    TodoWindowDesk desk;
+    const qint64 root = desk.files.getFile(0)->getEntryId(-1, 0);
+    QList<qint64> added;
+    for (int i = 0; i < 60; ++i) {
+        added << desk.addEntry(root, u"e%1"_s.arg(i), 10 + i);
+        desk.todos.addTodo(EntryAddress{0, added.last()});
+    }
+    desk.todoWindow->resize(200, 220);
+    desk.open();
+    desk.todoWindow->showWindow(EntryAddress{0, added.at(30)});
+    const QRect row = desk.view()->visualRect(desk.view()->currentIndex());
+    const int middle = desk.view()->viewport()->rect().center().y();
+    QVERIFY2(qAbs(row.center().y() - middle) <= row.height(),
+             qPrintable(u"%1 of %2"_s.arg(row.center().y()).arg(middle)));
 }
 
 void TodoListWindowTest::showingForAnEntryThatIsNotListedSelectsTheFirst()
@@ -323,6 +342,12 @@ void TodoListWindowTest::arrowsMoveTheSelection()
 void TodoListWindowTest::markingTheTopEntryDoneOpensTheListWithTheNewTopSelected()
 {
     TodoWindowDesk desk;
+    // Another row was selected when the list was last seen.
+    desk.open();
+    desk.pressInList(Qt::Key_End);
+    QCOMPARE(desk.selected(), u"c"_s);
+    desk.pressInList(Qt::Key_Escape);
+    QVERIFY(desk.mainWindowHasTheKeyboard());
     desk.goTo(desk.idOf(u"a"_s));
     desk.press(Qt::Key_D, ctrl);
     QCOMPARE(desk.rows(), u"bc"_s);
