@@ -296,19 +296,25 @@ int HierarchyModel::childToJumpTo(DiskStore *store, qint64 entryId) const
         : store->getMaxEntrySequence(entryId, DiskStore::highestSequence);
 }
 
+void HierarchyModel::refuse()
+{
+    Refusal::refuse();
+    emit refused();
+}
+
 void HierarchyModel::goToEntry(EntryAddress address, bool jumpToChild)
 {
     if (address.entryId == -1)
         throw "-1 not allowed";
     if (!writeEditedText()) {
-        Refusal::refuse();
+        refuse();
         return;
     }
     // Writing the text may just have deleted the target, and an address kept elsewhere may be old;
     // nothing changes before the target is known to exist.
     DiskStore *store = m_fileManager->getFile(address.fileIndex);
     if (!store || !store->contains(address.entryId)) {
-        Refusal::refuse();
+        refuse();
         return;
     }
     redrawWhenItFails([&] {

@@ -126,6 +126,8 @@ signals:
     void entryBodyChanged(int fileIndex, qint64 entryId);
     void entryDeleted(int fileIndex, qint64 entryId);
     void requestAppDeactivation();
+    /// What was asked for can't be done here. The window that the user works in has been told.
+    void refused();
 
 private:
     /// A sibling as the window shows it; an empty text means that there is none.
@@ -175,6 +177,7 @@ private:
 
     bool atTopLevel() const { return m_parentId == -1; }
     bool isLastFile() const;
+    void refuse();
     bool writeStoredEntry();
     void showIfNoLongerAt(EntryAddress before);
     bool canTakeOneMoreChild(qint64 parentId);

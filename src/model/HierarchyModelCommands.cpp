@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "model/HierarchyModel.h"
 
-#include "shared/Refusal.h"
 #include "store/FileManager.h"
 
 void HierarchyModel::handleCommand(Command command)
@@ -22,7 +21,7 @@ void HierarchyModel::handleCommand(Command command)
     if (!done) {
         // Refused or not, writing the text may have inserted or deleted the entry.
         showIfNoLongerAt(before);
-        Refusal::refuse();
+        refuse();
         return;
     }
     m_fileManager->maybePromptUserToPeriodicallySaveChanges();

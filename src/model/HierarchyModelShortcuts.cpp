@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "model/HierarchyModel.h"
 
-#include "shared/Refusal.h"
 #include "shared/TextHelpers.h"
 #include "store/FileManager.h"
 
@@ -53,7 +52,7 @@ bool HierarchyModel::isShortcutRegistered(int key, bool ignoreCurrentEntry) cons
 void HierarchyModel::goToEntryByShortcutKey(int key)
 {
     if (!writeEditedText()) {
-        Refusal::refuse();
+        refuse();
         return;
     }
     const QList<EntryAddress> addresses = m_fileManager->getEntriesByShortcutKey(key);

@@ -211,8 +211,6 @@ bool AbstractWindow::event(QEvent *event)
 {
     if (event->type() == Refusal::eventType()) {
         showRefusal();
-        if (m_owner)
-            QCoreApplication::sendEvent(m_owner, event);
         return true;
     }
     return QDialog::event(event);

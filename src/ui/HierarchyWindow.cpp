@@ -33,6 +33,8 @@ HierarchyWindow::HierarchyWindow(HierarchyModel *model, AppActivationSupport *ac
     buildLayout();
     // The editor must hold the entry's text before anything asks for it.
     refresh();
+    // The reason stands here, also when another window asked.
+    connect(m_model, &HierarchyModel::refused, this, &HierarchyWindow::showRefusal);
     connect(m_activationSupport, &AppActivationSupport::activationChanged, this,
             &HierarchyWindow::updateModelBody);
     connect(m_activationSupport, &AppActivationSupport::activationChanged, this,

@@ -65,7 +65,6 @@ private slots:
     void placeThatMeetsAScreenIsLeftAsItIs();
     void refusalReachesTheHook();
     void refusalFlashesTheWholeWindow();
-    void refusalIsShownInTheOwnerToo();
 };
 
 void AbstractWindowTest::firstRunKeepsTheConstructorsPlaceAndOneMoveStoresIt()
@@ -315,22 +314,6 @@ void AbstractWindowTest::refusalFlashesTheWholeWindow()
     QCOMPARE(flash->geometry(), window.rect());
     QCOMPARE(window.grab().toImage().pixelColor(1, 1).name(), u"#bb6600"_s);
     QTRY_VERIFY(!flash->isVisible());
-}
-
-void AbstractWindowTest::refusalIsShownInTheOwnerToo()
-{
-    const TestSettings settings;
-    SomeWindow owner;
-    owner.restoreShowAndActivate();
-    SomeWindow tool;
-    tool.belongTo(owner);
-    tool.restoreShowAndActivate();
-    QVERIFY(QTest::qWaitForWindowActive(&tool));
-    Refusal::refuse();
-    QCOMPARE(tool.refusals, 1);
-    QCOMPARE(owner.refusals, 1);
-    Refusal::refuse(&tool);
-    QCOMPARE(tool.refusals, 2);
 }
 
 QTEST_MAIN(AbstractWindowTest)

@@ -84,6 +84,7 @@ private slots:
     void exitWithTextThatCannotBeWrittenIsRefusedAndQuitsNothing();
     void exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow_data();
     void exitRefusedInAnotherWindowFlashesThereAndInTheMainWindow();
+    void aRefusalOfAListsOwnFlashesThereOnly();
     void exitCancelledLeavesEverythingAsItWas();
     void autoRepeatNeverRepeatsExitAndDiscard();
     void aRepeatIsKnownByItsTimeAlone();
@@ -266,6 +267,18 @@ void AppCommandFilterTest::exitRefusedInAnotherWindowFlashesThereAndInTheMainWin
     pressIn(*windows.first(), Qt::Key_Q, ctrl);
     QVERIFY(UiDesk::isFlashing(*windows.first()));
     QVERIFY(desk.flashing());
+}
+
+void AppCommandFilterTest::aRefusalOfAListsOwnFlashesThereOnly()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.press(Qt::Key_F, ctrl);
+    QVERIFY(waitUntilActive(*desk.findWindow));
+    pressIn(*desk.findWindow, Qt::Key_Return); // nothing is found yet
+    QVERIFY(UiDesk::isFlashing(*desk.findWindow));
+    QVERIFY(!desk.flashing());
 }
 
 void AppCommandFilterTest::exitCancelledLeavesEverythingAsItWas()
