@@ -65,6 +65,7 @@ private slots:
     void placeThatMeetsAScreenIsLeftAsItIs();
     void refusalReachesTheHook();
     void refusalFlashesTheWholeWindow();
+    void refusalIsShownWhereTheUserIsAndWhereTheReasonIs();
 };
 
 void AbstractWindowTest::firstRunKeepsTheConstructorsPlaceAndOneMoveStoresIt()
@@ -314,6 +315,24 @@ void AbstractWindowTest::refusalFlashesTheWholeWindow()
     QCOMPARE(flash->geometry(), window.rect());
     QCOMPARE(window.grab().toImage().pixelColor(1, 1).name(), u"#bb6600"_s);
     QTRY_VERIFY(!flash->isVisible());
+}
+
+void AbstractWindowTest::refusalIsShownWhereTheUserIsAndWhereTheReasonIs()
+{
+    const TestSettings settings;
+    SomeWindow other;
+    other.show();
+    SomeWindow active;
+    active.restoreShowAndActivate();
+    QVERIFY(QTest::qWaitForWindowActive(&active));
+    Refusal::refuse();
+    QCOMPARE(active.refusals, 1);
+    QCOMPARE(other.refusals, 0);
+    Refusal::refuse(&other);
+    QCOMPARE(active.refusals, 2);
+    QCOMPARE(other.refusals, 1);
+    Refusal::refuse(&active);
+    QCOMPARE(active.refusals, 3);
 }
 
 QTEST_MAIN(AbstractWindowTest)
