@@ -101,9 +101,12 @@ public:
     void breakWriting(int file)
     {
         QSqlQuery query(QSqlDatabase::database(hierarchy.store(file).dbFilePath(), false));
-        if (!query.exec(QStringLiteral(
+        // Outside the transaction, which the store gives up before its first change.
+        if (!query.exec(QStringLiteral("COMMIT"))
+            || !query.exec(QStringLiteral(
                 "CREATE TEMP TRIGGER broken BEFORE UPDATE OF todolistseq ON entry BEGIN SELECT "
-                "RAISE(ABORT, 'broken'); END")))
+                "RAISE(ABORT, 'broken'); END"))
+            || !query.exec(QStringLiteral("BEGIN")))
             throw std::runtime_error("the trigger could not be made");
     }
 

@@ -105,8 +105,9 @@ void WaitNoticeTest::windowsArePaintedDuringAWaitAndTimersWait()
         NoticeWatch watch;
         watch.onShown = [&window] { window.update(); };
         WaitNotice wait(u"a.bdl"_s);
-        while (window.paintedBesideANotice == 0)
+        for (int i = 0; i < 200 && window.paintedBesideANotice == 0; ++i)
             wait.pause();
+        QVERIFY(window.paintedBesideANotice > 0);
         const QWidget *notice = QApplication::activeModalWidget();
         QVERIFY(notice);
         QCOMPARE(notice->windowModality(), Qt::ApplicationModal);
