@@ -75,9 +75,8 @@ void TodoListModel::loadFile(int fileIndex, Items &items) const
         const auto row = place - items.begin();
         const int sequence = makeRoom(items, static_cast<int>(row), wanted);
         items.insert(items.begin() + row,
-                     TodoItem{fileIndex, todo.id,
-                              Global::oneLineExcerpt(todo.body, bodyLength), sequence,
-                              todo.sequence});
+                     TodoItem{fileIndex, todo.id, Global::oneLineExcerpt(todo.body, bodyLength),
+                              sequence, todo.sequence});
     }
 }
 
