@@ -70,6 +70,8 @@ void AbstractWindow::restoreShowAndActivate()
         clearMinimized();
         beginToSettle();
         setVisible(true);
+        if (m_hasNoPlaceYet) // only now the toolkit has chosen one
+            m_settlingAt = pos();
         // Hidden and shown again at once, the window never lost the keyboard in the toolkit's eyes,
         // and no event tells the widgets that it has it.
         if (QGuiApplication::focusWindow() == windowHandle())
@@ -118,9 +120,13 @@ void AbstractWindow::keepOnScreen()
         move(fitted);
 }
 
+/// Where the frame is, or was to be when it sticks out of the screen.
 QPoint AbstractWindow::placeOnScreen() const
 {
-    return ScreenPlacement::fittedPosition(QRect(framePosition(this), frameGeometry().size()));
+    const QRect frame(framePosition(this), frameGeometry().size());
+    if (ScreenPlacement::fittedPosition(frame) == frame.topLeft())
+        return frame.topLeft();
+    return ScreenPlacement::fittedPosition(QRect(m_settlingAt, frame.size()));
 }
 
 // Only now the frame is known, which must not stick out of the screen either.

@@ -144,10 +144,10 @@ void FindWindow::search()
     }
     m_results->setSelectionMode(QAbstractItemView::SingleSelection);
     for (const DiskStore::EntryInfo &entry : std::as_const(*found)) {
-        m_results->addItem(std::make_unique<ResultsListItem>(
-                               Global::oneLineExcerpt(entry.body, snippetLength),
-                               EntryAddress{fileIndex, entry.id})
-                               .release());
+        m_results->addItem(
+            std::make_unique<ResultsListItem>(Global::oneLineExcerpt(entry.body, snippetLength),
+                                              EntryAddress{fileIndex, entry.id})
+                .release());
     }
     if (m_results->count() > 0)
         m_results->setCurrentRow(0, QItemSelectionModel::ClearAndSelect);

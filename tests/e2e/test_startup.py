@@ -122,7 +122,7 @@ class WithoutFiles(BrindleTestCase):
 
 
 class CorruptSettings(BrindleTestCase):
-    def check_refused(self, settings):
+    def check_refused(self, settings, reason):
         self.home.write_settings(settings)
         before = self.home.settings_bytes()
         brindle = self.launch()
@@ -131,16 +131,17 @@ class CorruptSettings(BrindleTestCase):
         brindle.answer(box, "OK")
         self.assertEqual(brindle.wait_for_exit(), 1)
         self.assertEqual(self.home.settings_bytes(), before)
-        self.assertIn("illegal" if "illegal" in brindle.log() else "duplicate", brindle.log())
+        self.assertIn(reason, brindle.log())
 
     def test_an_index_that_is_no_number(self):
-        self.check_refused("[loadfiles]\nx=/tmp/a.bdl\n")
+        self.check_refused("[loadfiles]\nx=/tmp/a.bdl\n", "illegal index string")
 
     def test_the_same_index_twice(self):
-        self.check_refused("[loadfiles]\n1=/tmp/a.bdl\n01=/tmp/b.bdl\n")
+        self.check_refused("[loadfiles]\n1=/tmp/a.bdl\n01=/tmp/b.bdl\n", "duplicate file index")
 
     def test_the_old_setting_beside_the_new_ones(self):
-        self.check_refused("[General]\ndbpath=/tmp/a.bdl\n\n[loadfiles]\n0=/tmp/b.bdl\n")
+        self.check_refused("[General]\ndbpath=/tmp/a.bdl\n\n[loadfiles]\n0=/tmp/b.bdl\n",
+                           "illegal settings state")
 
 
 class RememberedFiles(BrindleTestCase):

@@ -30,6 +30,22 @@ QPoint storedPos()
     return QSettings().value(u"SomeWindow/pos"_s).toPoint();
 }
 
+/// The timer that runs between a move or a resize and the storing of the place.
+QTimer &saveTimer(const AbstractWindow &window)
+{
+    for (QTimer *timer : window.findChildren<QTimer *>()) {
+        if (timer->isSingleShot() && timer->interval() == AbstractWindow::saveDelayMs)
+            return *timer;
+    }
+    qFatal("no timer");
+}
+
+/// Waits until what has happened to the window's place so far is stored, or is not to be.
+bool hasSettled(const AbstractWindow &window)
+{
+    return QTest::qWaitFor([&] { return !saveTimer(window).isActive(); });
+}
+
 bool isShown(QWidget &window)
 {
     return QTest::qWaitForWindowExposed(&window);
@@ -192,7 +208,7 @@ void AbstractWindowTest::burstOfMovesGivesASingleSave()
 
     const QPoint mark(1, 2);
     QSettings().setValue(u"SomeWindow/pos"_s, mark);
-    QTest::qWait(saved);
+    QVERIFY(!saveTimer(window).isActive()); // nothing is stored later on either
     QCOMPARE(storedPos(), mark);
 }
 
@@ -202,7 +218,7 @@ void AbstractWindowTest::movesAndResizesDelayTheSave()
     SomeWindow window;
     window.show();
     QVERIFY(isShown(window));
-    QTest::qWait(saved);
+    QVERIFY(hasSettled(window));
     window.resize(250, 140);
     QTRY_COMPARE_WITH_TIMEOUT(QSettings().value(u"SomeWindow/size"_s).toSize(), QSize(250, 140),
                               saved);
@@ -254,7 +270,7 @@ void AbstractWindowTest::placeOutsideEveryScreenIsShownOnTheNearestAndStaysStore
         const QRect available = window.screen()->availableGeometry();
         QVERIFY(available.contains(window.frameGeometry().topLeft()));
         QVERIFY(available.intersects(window.frameGeometry()));
-        QTest::qWait(saved);
+        QVERIFY(hasSettled(window));
         QCOMPARE(storedPos(), gone);
         window.hideOnDeactivate(false);
     }
@@ -273,7 +289,7 @@ void AbstractWindowTest::correctedPlaceIsStoredOnceTheUserMovesTheWindow()
     SomeWindow window;
     window.restoreShowAndActivate();
     QVERIFY(isShown(window));
-    QTest::qWait(saved);
+    QVERIFY(hasSettled(window));
     const QPoint moved = window.pos() + QPoint(15, 0);
     window.move(moved);
     QTRY_COMPARE_WITH_TIMEOUT(storedPos(), moved, saved);
