@@ -120,6 +120,9 @@ void FileManager::handleOldestError()
     const Failure failure = m_failures.takeFirst();
     if (indexOf(failure.store) == -1)
         return;
+    // Closed now, it is there again at the next start.
+    if (failure.error.fileWasBusy)
+        m_lockedFiles.append(failure.store->dbFilePath());
     const QString text = failure.error.message + tr(" This file has been closed.");
     if (failure.store->isStillAtItsPath()) {
         closeFailedFile(failure.store);

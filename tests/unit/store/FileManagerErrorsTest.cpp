@@ -69,6 +69,7 @@ private slots:
     void errorWhileAQuestionIsOpenClosesItsOwnFile();
     void errorClosingTheAskedFileWhileTheQuestionIsOpen();
     void errorOfTheLastFileEndsTheUnsavedTime();
+    void fileClosedOnlyBecauseItWasLockedStaysInTheSettings();
     void errorFollowsItsFileWhenTheFilesAreReordered();
     void errorWithoutAFailedFileClosesNothing();
     void errorsPendingWhenTheSetIsDeletedAreForgotten();
@@ -228,6 +229,25 @@ void FileManagerErrorsTest::errorOfTheLastFileEndsTheUnsavedTime()
     QTRY_COMPARE(desk.files->getFileCount(), 0);
     QTRY_COMPARE(boxes.seen().size(), 1);
     QVERIFY(desk.files->unsavedSince().isNull());
+}
+
+void FileManagerErrorsTest::fileClosedOnlyBecauseItWasLockedStaysInTheSettings()
+{
+    const Desk desk(2);
+    const BoxAnswers boxes({QMessageBox::Ok});
+    DiskStore::FileException locked(u"locked"_s, u"details"_s);
+    locked.fileWasBusy = true;
+    emit desk.store(0).errorOccurred(locked);
+    QTRY_COMPARE(boxes.seen().size(), 1);
+    QCOMPARE(desk.names(), QStringList{u"1.bdl"_s});
+    const QSettings settings;
+    QCOMPARE(settings.value(u"loadfiles/0"_s).toString(), desk.paths[1]);
+    QCOMPARE(settings.value(u"loadfiles/1"_s).toString(), desk.paths[0]);
+    // Opened again, it is listed once.
+    desk.files->openFile(desk.paths[0], 0);
+    QCOMPARE(settings.value(u"loadfiles/0"_s).toString(), desk.paths[0]);
+    QCOMPARE(settings.value(u"loadfiles/1"_s).toString(), desk.paths[1]);
+    QVERIFY(!settings.contains(u"loadfiles/2"_s));
 }
 
 void FileManagerErrorsTest::errorFollowsItsFileWhenTheFilesAreReordered()
