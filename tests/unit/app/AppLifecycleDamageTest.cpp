@@ -35,6 +35,8 @@ class AppLifecycleDamageTest : public QObject
 private slots:
     void eachDamagedFileIsReportedWithItsOwnError_data();
     void eachDamagedFileIsReportedWithItsOwnError();
+    // Once the program has been told to end the toolkit lets no box run, so this comes last.
+    void theDesktopsQuitDuringTheReportDoesNoHarm();
 };
 
 void AppLifecycleDamageTest::eachDamagedFileIsReportedWithItsOwnError_data()
@@ -76,6 +78,22 @@ void AppLifecycleDamageTest::eachDamagedFileIsReportedWithItsOwnError()
     // What is still on its way must not be shown once more.
     QCoreApplication::processEvents();
     QCOMPARE(boxes.seen().size(), damaged.size());
+}
+
+void AppLifecycleDamageTest::theDesktopsQuitDuringTheReportDoesNoHarm()
+{
+    RunningProgram program;
+    const QString path = makeDamagedFile(program.settings, u"b.bdl"_s);
+    QSettings().setValue(u"loadfiles/1"_s, path);
+    BoxAnswers boxes({QMessageBox::Ok});
+    bool taken = false;
+    boxes.before(0, [&taken] {
+        QEvent quit(QEvent::Quit); // there are files by now, but no windows
+        taken = QCoreApplication::sendEvent(qApp, &quit);
+    });
+    program.start();
+    QVERIFY(taken);
+    QCOMPARE(storedFiles(), QStringList{u"0="_s + program.settings.filePath(u"a.bdl"_s)});
 }
 
 QTEST_MAIN(AppLifecycleDamageTest)
