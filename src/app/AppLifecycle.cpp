@@ -17,6 +17,7 @@
 #include "shared/Version.h"
 #include "store/FileErrorGuard.h"
 #include "store/FileManager.h"
+#include "store/WaitNotice.h"
 #include "ui/AppCommandFilter.h"
 #include "ui/CheckForUpdates.h"
 #include "ui/FindWindow.h"
@@ -306,7 +307,7 @@ void AppLifecycle::connectEndOfSession()
     // The session waits for the answer, so this can't be queued.
     connect(
         m_app, &QGuiApplication::commitDataRequest, this,
-        [this](QSessionManager &) { saveEverything(); }, Qt::DirectConnection);
+        [this](QSessionManager &) { saveForEndOfSession(); }, Qt::DirectConnection);
 }
 
 void AppLifecycle::openFilesFromCommandLine()
@@ -430,14 +431,30 @@ void AppLifecycle::exitOnceNothingIsAsked()
 
 void AppLifecycle::saveAndEnd()
 {
+    // A wait for another program lets the signal through in the middle of a change: the text that
+    // is just being written would be written twice.
+    if (WaitNotice::isShown()) {
+        QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::saveAndEnd);
+        return;
+    }
     saveEverything();
     endProgram();
+}
+
+void AppLifecycle::saveForEndOfSession()
+{
+    if (WaitNotice::isShown())
+        QTimer::singleShot(retryAfterBoxMs, this, &AppLifecycle::saveForEndOfSession);
+    else
+        saveEverything();
 }
 
 bool AppLifecycle::saveEverything()
 {
     if (!m_fileManager || !m_hierarchyModel) // nothing has been typed yet, or all is closed
         return true;
+    m_fileManager->setWaitsInSilence(true);
+    const auto notSilentAgain = qScopeGuard([this] { m_fileManager->setWaitsInSilence(false); });
     QObject errorContext;
     for (int index = 0; index < m_fileManager->getFileCount(); ++index) {
         connect(

@@ -68,6 +68,7 @@ private:
     void askToExit();
     void exitOnceNothingIsAsked();
     void saveAndEnd();
+    void saveForEndOfSession();
     bool saveEverything();
 
     QApplication *m_app;

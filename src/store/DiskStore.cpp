@@ -223,8 +223,9 @@ QSqlError DiskStore::retryWhileBusy(const QDeadlineTimer &deadline,
     m_lastFailureWasBusy = SqlErrors::isBusy(error);
     if (!m_lastFailureWasBusy)
         return error;
-    const std::unique_ptr<FileWait> wait
-        = m_beginWait ? m_beginWait(dbFileName()) : std::make_unique<SilentWait>();
+    std::unique_ptr<FileWait> wait = m_beginWait ? m_beginWait(dbFileName()) : nullptr;
+    if (!wait)
+        wait = std::make_unique<SilentWait>();
     while (m_lastFailureWasBusy && !deadline.hasExpired()) {
         wait->pause();
         error = attempt();

@@ -62,7 +62,9 @@ bool FileManager::isOpen(const QString &path) const
 void FileManager::openFileInner(const QString &path, int index)
 {
     auto store = std::make_unique<DiskStore>(
-        path, [](const QString &name) { return std::make_unique<WaitNotice>(name); });
+        path, [this](const QString &name) -> std::unique_ptr<FileWait> {
+            return m_waitsInSilence ? nullptr : std::make_unique<WaitNotice>(name);
+        });
     try {
         store->getRootExcerpt();
     } catch (const char *text) {

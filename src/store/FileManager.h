@@ -62,6 +62,9 @@ public:
 
     /// When the first unsaved change was made (local time); null when all is saved.
     QDateTime unsavedSince() const { return m_unsavedSince; }
+    /// Whether waits for other programs go without a notice on the screen and without dealing with
+    /// events; for the end of the session, when no window can be counted on any more.
+    void setWaitsInSilence(bool on) { m_waitsInSilence = on; }
     /// Replaces the clock behind the unsaved-since time.
     void setClock(Clock clock) { m_clock = std::move(clock); }
 
@@ -110,6 +113,7 @@ private:
     /// ones.
     QStringList m_lockedFiles;
     QDateTime m_unsavedSince;
+    bool m_waitsInSilence = false;
     Clock m_clock = systemClock();
     QList<Failure> m_failures; ///< The first one of each store, in their order.
 };

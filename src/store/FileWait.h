@@ -18,5 +18,5 @@ public:
     virtual void pause() = 0;
 };
 
-/// Begins a wait for the file with the name given.
+/// Begins a wait for the file with the name given; null lets the store just sleep.
 using FileWaitFactory = std::function<std::unique_ptr<FileWait>(const QString &fileName)>;

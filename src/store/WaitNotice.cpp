@@ -33,8 +33,9 @@ void WaitNotice::pause()
     if (m_waited.elapsed() < silentMs)
         return;
     m_notice.show();
-    // Painting only: the caller is in the middle of a change, so no key, timer or message of
-    // another program may be dealt with here.
+    // For painting's sake: the caller is in the middle of a change, so no key and no timer may be
+    // dealt with here. Some event loops let sockets through all the same: whoever acts on a signal
+    // or another program's message asks isShown() before it writes.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents
                                     | QEventLoop::ExcludeSocketNotifiers
                                     | QEventLoop::X11ExcludeTimers);

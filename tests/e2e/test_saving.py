@@ -251,6 +251,20 @@ class OtherProgramsOnTheFile(SavingTestCase):
         brindle.save_and_hide()
         self.assertEqual(datafile.texts(path), {"Typed", "Second"})
 
+    def test_a_signal_during_a_wait_saves_the_text_once(self):
+        path = self.make_file("tasks.bdl")
+        brindle = self.start_with(path)
+        brindle.go("ctrl+l", "First")
+        brindle.keys("ctrl+n")
+        brindle.expect(preceding="First", text="")
+        brindle.write_entry("New")
+        self.hold(path, "BEGIN IMMEDIATE", "SELECT count(*) FROM entry", 4)
+        brindle.keys("Return")
+        wait_for(lambda: self.desktop.screen.find(brindle.pid, "Please wait"), "the notice")
+        brindle.send(signal.SIGTERM)
+        self.assertEqual(brindle.wait_for_exit(), 0)
+        self.assertEqual(datafile.children(path, "tasks.bdl"), ["First", "New", "Second"])
+
     def test_a_file_replaced_under_us_is_an_error_and_the_new_file_stays_as_it_is(self):
         path = self.make_file("tasks.bdl")
         newer = datafile.create(self.home.path("newer"), "From elsewhere", root_text="tasks.bdl")
