@@ -19,7 +19,7 @@ namespace
 /// A window manager may shift a window it has just been given by about a frame's width.
 constexpr int managerShift = 64;
 /// By then even a busy window manager has framed a window that was just shown.
-constexpr int settlingTimeMs = 1000;
+constexpr int settlingTimeMs = 3000;
 constexpr int settlingPaceMs = 50;
 
 /// Where the frame stands. QWidget::pos() goes on counting with the width of a frame that the

@@ -21,8 +21,6 @@ TodoListWindow::TodoListView::TodoListView(TodoListModel *model, TodoListWindow 
             [this] { m_rowBeforeReset = selectedIndexes().value(0).row(); });
     connect(model, &QAbstractItemModel::modelReset, this, &TodoListView::restoreSelection);
     setSelectionMode(QAbstractItemView::SingleSelection);
-    setDragEnabled(true);
-    setAcceptDrops(true);
     setDropIndicatorShown(true);
     setDragDropMode(QAbstractItemView::InternalMove);
     connect(this, &QListView::doubleClicked, window,

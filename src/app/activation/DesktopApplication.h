@@ -18,8 +18,8 @@ public:
     ~DesktopApplication() override;
 
     /// Takes the name and offers the interface. Without a bus, or when the name is taken, the
-    /// reason goes to the debug output. \return whether requests can come.
-    bool serve();
+    /// reason goes to the debug output, and no requests come.
+    void serve();
 
 signals:
     /// Somebody asks for something; emitted from within the call, so it had better be queued.

@@ -45,6 +45,7 @@ private slots:
     void rejectingDeactivatesInstead();
 
     void closeButtonClosesTheFile();
+    void theParentsRowHoldsItsPartsSideBySide();
     void closeButtonIsRefusedWhenTheTextIs();
     void slotsAtTheWrongPlaceLogAndLeaveTheWindowUsable_data();
     void slotsAtTheWrongPlaceLogAndLeaveTheWindowUsable();
@@ -551,6 +552,28 @@ void HierarchyWindowTest::closeButtonClosesTheFile()
     QCOMPARE(desk.files.getFileCount(), 0);
     QCOMPARE(desk.window->windowTitle(), u"Brindle"_s);
     QVERIFY(!desk.editor()->isVisible());
+    // Out of sight the editor must not take keys.
+    QVERIFY(!desk.editor()->hasFocus());
+}
+
+void HierarchyWindowTest::theParentsRowHoldsItsPartsSideBySide()
+{
+    UiDesk desk;
+    const qint64 root = desk.addFile(u"a.bdl"_s);
+    const qint64 parent = desk.addEntry(root, u"parent"_s, 0);
+    desk.files.getFile(0)->registerShortcut(parent, Qt::Key_K, u"K"_s);
+    desk.show();
+    desk.goTo(desk.addEntry(parent, u"child"_s, 0));
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    const QRect bar = desk.child<QWidget>("parentStateBar")->geometry();
+    const QRect text = desk.child<QLabel>("parentLabel")->geometry();
+    const QRect key = desk.child<QLabel>("parentShortcutKeyLabel")->geometry();
+    QVERIFY(bar.right() < text.left());
+    QVERIFY(text.right() < key.left());
+    QVERIFY(key.right() < desk.window->width());
+    QCOMPARE(text.center().y(), key.center().y());
+    // The text has what the others leave.
+    QVERIFY(text.width() > desk.window->width() / 2);
 }
 
 void HierarchyWindowTest::closeButtonIsRefusedWhenTheTextIs()

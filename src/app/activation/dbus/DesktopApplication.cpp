@@ -32,11 +32,11 @@ DesktopApplication::DesktopApplication()
 
 DesktopApplication::~DesktopApplication() = default;
 
-bool DesktopApplication::serve()
+void DesktopApplication::serve()
 {
     if (!m_bus->session.isConnected()) {
         qCDebug(instanceLog) << "no session bus: the desktop can't ask for anything";
-        return false;
+        return;
     }
     // The object first: with the name come the calls that have waited for it.
     QDBusConnection &connection = m_bus->session.connection();
@@ -45,8 +45,7 @@ bool DesktopApplication::serve()
     const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply
         = connection.interface()->registerService(ApplicationBusName::service());
     if (reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered)
-        return true;
+        return;
     qCDebug(instanceLog) << "the name" << ApplicationBusName::service()
                          << "can't be had on the session bus" << reply.error().message();
-    return false;
 }

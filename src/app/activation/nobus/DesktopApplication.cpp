@@ -47,8 +47,7 @@ DesktopApplication::DesktopApplication()
 
 DesktopApplication::~DesktopApplication() = default;
 
-bool DesktopApplication::serve()
+void DesktopApplication::serve()
 {
     QCoreApplication::instance()->installEventFilter(m_bus.get());
-    return true;
 }
