@@ -158,8 +158,7 @@ void AbstractWindow::setVisible(bool visible)
     QDialog::setVisible(visible);
 }
 
-// Only where it must be: window managers that know the two as a family pass the keyboard on within
-// it as they see fit.
+// Most window managers put a window that is clicked in front of all that aren't tied to it.
 void AbstractWindow::tieToOwner()
 {
     if (!m_owner || !m_owner->windowHandle() || NativeSupport::keepsToolWindowsInFront())

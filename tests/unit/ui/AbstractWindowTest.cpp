@@ -80,6 +80,8 @@ private slots:
     void correctedPlaceIsStoredOnceTheUserMovesTheWindow();
     void placeThatMeetsAScreenIsLeftAsItIs();
     void refusalReachesTheHook();
+    void whoBelongsToAnotherWindowIsTiedToItOnceShown();
+    void hidingStoresNoPlaceWhenNothingHasMoved();
     void refusalFlashesTheWholeWindow();
     void refusalIsShownWhereTheUserIsAndWhereTheReasonIs();
 };
@@ -349,6 +351,32 @@ void AbstractWindowTest::refusalIsShownWhereTheUserIsAndWhereTheReasonIs()
     QCOMPARE(other.refusals, 1);
     Refusal::refuse(&active);
     QCOMPARE(active.refusals, 3);
+}
+
+void AbstractWindowTest::whoBelongsToAnotherWindowIsTiedToItOnceShown()
+{
+    const TestSettings settings;
+    SomeWindow owner;
+    owner.restoreShowAndActivate();
+    SomeWindow list;
+    list.belongTo(owner);
+    list.restoreShowAndActivate();
+    QCOMPARE(list.windowHandle()->transientParent(), owner.windowHandle());
+}
+
+void AbstractWindowTest::hidingStoresNoPlaceWhenNothingHasMoved()
+{
+    const TestSettings settings;
+    SomeWindow window;
+    window.show();
+    QVERIFY(isShown(window));
+    QTRY_VERIFY(QSettings().contains(u"SomeWindow/pos"_s));
+    QTRY_VERIFY(!saveTimer(window).isActive());
+    // What another program, or the user, has put there meanwhile stays.
+    const QPoint mark(1, 2);
+    QSettings().setValue(u"SomeWindow/pos"_s, mark);
+    window.setVisible(false);
+    QCOMPARE(storedPos(), mark);
 }
 
 QTEST_MAIN(AbstractWindowTest)

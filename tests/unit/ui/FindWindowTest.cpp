@@ -262,6 +262,11 @@ void FindWindowTest::theSecondFileShowsTheFileRow()
     desk.files.unloadFile(1, true);
     QVERIFY(!desk.fileRowShown());
     QCOMPARE(desk.menu()->count(), 1);
+    // It says what the menu is for.
+    const QLabel *label = desk.menu()->parentWidget()->findChild<QLabel *>();
+    QVERIFY(label);
+    QCOMPARE(label->text(), u"File:"_s);
+    QVERIFY(label->geometry().right() < desk.menu()->geometry().left());
 }
 
 void FindWindowTest::theChoiceStaysWithTheFile_data()
