@@ -57,14 +57,21 @@ DiskStore::FileException::FileException(const QSqlDatabase *database, const QStr
     }.join(u'\n');
 }
 
-DiskStore::DiskStore(QString path, FileWaitFactory beginWait)
-    : m_connection(path, sqliteTimeoutMs)
+DiskStore::Source::Source(QString filePath, int patience)
+    : path(std::move(filePath))
+    , patienceMs(patience)
+{
+}
+
+DiskStore::DiskStore(const Source &source, FileWaitFactory beginWait)
+    : m_connection(source.path, sqliteTimeoutMs)
+    , m_patienceMs(source.patienceMs)
     , m_beginWait(std::move(beginWait))
 {
     if (!m_connection.database().open())
         throwFileExceptionAndEmit(u"opening file"_s);
     setUpBaseData();
-    m_identity.note(path);
+    m_identity.note(source.path);
     prepareQueries();
     startTransaction();
 }
@@ -123,7 +130,7 @@ void DiskStore::commitOrThrow()
         throwFileExceptionAndEmit(operation);
     // While other processes read the file a commit fails but leaves the transaction whole. After
     // any other failure the transaction is gone, and a second attempt would only hide the reason.
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [this] {
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(m_patienceMs), [this] {
         refuseReplacedFile();
         return commit();
     });
@@ -209,7 +216,7 @@ QSqlError DiskStore::executeOnceFileIsFree(QSqlQuery &query)
     // Only the first query of a transaction can find the file busy, so no snapshot is given up.
     // What goes on during the wait may read with the same query.
     const QVariantList values = query.boundValues();
-    return retryWhileBusy(QDeadlineTimer(patienceMs), [&query, &values] {
+    return retryWhileBusy(QDeadlineTimer(m_patienceMs), [&query, &values] {
         for (int i = 0; i < values.size(); ++i)
             query.bindValue(i, values.at(i));
         return query.exec() ? QSqlError() : query.lastError();
@@ -246,7 +253,7 @@ void DiskStore::beginChange()
 QSqlError DiskStore::takeWriteLock()
 {
     const QSqlError error
-        = retryWhileBusy(QDeadlineTimer(patienceMs), [this] { return restartAsWriter(); });
+        = retryWhileBusy(QDeadlineTimer(m_patienceMs), [this] { return restartAsWriter(); });
     // Why the file can't be written is said by the statement that wants to.
     return SqlErrors::isBusy(error) ? error : QSqlError();
 }

@@ -59,14 +59,25 @@ public:
     /// In place of a parent's id: the entry keeps its parent.
     static constexpr int keepParent = -2;
 
-    /// How long an operation waits for other processes to let go of the file before it fails.
-    static constexpr int patienceMs = 10000;
+    /// How long an operation waits for other processes to let go of the file before it fails, where
+    /// nothing else is asked for.
+    static constexpr int defaultPatienceMs = 10000;
 
-    /// Opens the file at \a path, makes it when missing, and brings it to the current schema.
+    /// A file to open.
+    struct Source {
+        // Implicit: most files are opened with nothing but a path.
+        Source(QString filePath, int patience = defaultPatienceMs);
+
+        QString path;
+        /// How long each operation waits for other processes, in milliseconds.
+        int patienceMs;
+    };
+
+    /// Opens the file of \a source, makes it when missing, and brings it to the current schema.
     /// \a beginWait is called whenever the store has to wait for another process, as long as it
     /// lives; without one it waits in silence.
     /// \throws FileException when it can't be opened, set up or upgraded.
-    explicit DiskStore(QString path, FileWaitFactory beginWait = {});
+    explicit DiskStore(const Source &source, FileWaitFactory beginWait = {});
     /// Closes the file; what was not committed is lost.
     ~DiskStore() override;
 
@@ -82,7 +93,7 @@ public:
     /// \name Transaction
     /// @{
     void startTransaction();
-    /// Saves. A commit that other readers hold up is tried again for patienceMs.
+    /// Saves. A commit that other readers hold up is tried again until the store's patience ends.
     void commitAndRestartTransaction();
     void rollbackAndRestartTransaction();
     /// Runs the bound \a query inside the transaction; when it changes the file and is no part of
@@ -232,6 +243,7 @@ private:
     QSqlError commit();
 
     DatabaseConnection m_connection;
+    int m_patienceMs;
     FileWaitFactory m_beginWait;
     OpenedFileIdentity m_identity;
     std::array<std::unique_ptr<QSqlQuery>, QueryTypeCount> m_queries;

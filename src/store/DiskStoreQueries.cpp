@@ -74,7 +74,7 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
     auto &slot = m_queries[type];
     slot = std::make_unique<QSqlQuery>(m_connection.database());
     slot->setForwardOnly(true);
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&slot, &text] {
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(m_patienceMs), [&slot, &text] {
         return slot->prepare(text) ? QSqlError() : slot->lastError();
     });
     if (error.isValid())

@@ -59,15 +59,16 @@ bool FileManager::isOpen(const QString &path) const
                        [&path](const auto &file) { return file->isSameFile(path); });
 }
 
-void FileManager::openFileInner(const QString &path, int index)
+void FileManager::openFileInner(const QString &filePath, int index)
 {
+    const DiskStore::Source path(filePath, m_patienceMs);
     auto store = std::make_unique<DiskStore>(
         path, [](const QString &name) { return std::make_unique<WaitNotice>(name); });
     try {
         store->getRootExcerpt();
     } catch (const char *text) {
         // Every reader of the file relies on the root entry.
-        store->throwMessageAndEmit(QString::fromLatin1(text), path);
+        store->throwMessageAndEmit(QString::fromLatin1(text), filePath);
     }
     connectStore(store.get());
     const int slot = std::clamp(index, 0, getFileCount());

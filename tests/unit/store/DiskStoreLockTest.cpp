@@ -4,6 +4,7 @@
 #include "store/DiskStore.h"
 
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -56,6 +57,15 @@ struct WaitLog {
     int running = 0;
     std::function<void()> duringPause;
 
+    /// Has \a process let go of the file in the pause with this number, counted from 1.
+    void endInPause(int number, OtherProcess &process)
+    {
+        duringPause = [this, number, &process] {
+            if (pauses == number)
+                process.letGo();
+        };
+    }
+
     FileWaitFactory factory()
     {
         return [this](const QString &name) {
@@ -96,6 +106,8 @@ class DiskStoreLockTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
+    void patienceIsTenSecondsUnlessAnotherIsAskedFor();
     void othersCanReadWhatIsSavedWhileWeWork();
     void readerHeldDuringTheCommitLosesNothing();
     void readerThatNeverLeavesMakesTheCommitFail();
@@ -116,7 +128,31 @@ private slots:
     void readingDuringAWaitDoesNotDisturbIt();
     void fileReplacedDuringAWaitIsNotSavedIntoNowhere();
     void killedProcessLosesOnlyWhatWasNotSaved();
+
+private:
+    /// A file in the test's folder that is compacted when it is opened.
+    QString oldFile(const TestSettings &settings) const;
+
+    QTemporaryDir m_fixtures;
 };
+
+void DiskStoreLockTest::initTestCase()
+{
+    QVERIFY(makeOldFiles(m_fixtures.path()));
+}
+
+QString DiskStoreLockTest::oldFile(const TestSettings &settings) const
+{
+    const QString name = u"Old file 3.bdl"_s;
+    const QString path = settings.filePath(name);
+    return QFile::copy(m_fixtures.filePath(name), path) ? path : QString();
+}
+
+void DiskStoreLockTest::patienceIsTenSecondsUnlessAnotherIsAskedFor()
+{
+    QCOMPARE(DiskStore::Source(u"a.bdl"_s).patienceMs, 10000);
+    QCOMPARE(DiskStore::Source(u"a.bdl"_s, 70).patienceMs, 70);
+}
 
 void DiskStoreLockTest::othersCanReadWhatIsSavedWhileWeWork()
 {
@@ -133,15 +169,15 @@ void DiskStoreLockTest::readerHeldDuringTheCommitLosesNothing()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
-    DiskStore store(path);
+    WaitLog log;
+    DiskStore store(path, log.factory());
     addEntry(store, rootId, u"new"_s, 0);
     const QSignalSpy errors(&store, &DiskStore::errorOccurred);
-    const OtherProcess reader(path, readLock, 8);
+    OtherProcess reader(path, readLock);
     QVERIFY(reader.isHolding());
-    QElapsedTimer time;
-    time.start();
+    log.endInPause(5, reader);
     QVERIFY(!fileError([&] { store.commitAndRestartTransaction(); }));
-    QVERIFY(time.elapsed() > 6000);
+    QCOMPARE(log.pauses, 5);
     QCOMPARE(errors.count(), 0);
     QCOMPARE(rows(path, texts), (QStringList{u"a.bdl"_s, u"new"_s}));
     // And the next transaction is there.
@@ -155,12 +191,15 @@ void DiskStoreLockTest::readerThatNeverLeavesMakesTheCommitFail()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     {
-        DiskStore store(path);
+        DiskStore store({path, shortPatienceMs});
         addEntry(store, rootId, u"new"_s, 0);
         const QSignalSpy errors(&store, &DiskStore::errorOccurred);
         OtherProcess reader(path, readLock);
         QVERIFY(reader.isHolding());
+        QElapsedTimer time;
+        time.start();
         const auto e = fileError([&] { store.commitAndRestartTransaction(); });
+        QVERIFY(time.elapsed() >= shortPatienceMs);
         QVERIFY(e);
         QCOMPARE(errors.count(), 1);
         QCOMPARE(e->details.split(u'\n'),
@@ -179,14 +218,13 @@ void DiskStoreLockTest::fileLockedForAWhileIsOpenedAfterIt()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     makeEmptyStore(path);
-    const OtherProcess other(path, wholeLock, 8);
+    OtherProcess other(path, wholeLock);
     QVERIFY(other.isHolding());
-    QElapsedTimer time;
-    time.start();
-    const auto e = openingError(path);
-    const QString details = e ? e->details : QString();
-    QVERIFY2(!e, qPrintable(u"after %1 ms: %2"_s.arg(time.elapsed()).arg(details)));
-    QVERIFY(time.elapsed() > 6000);
+    WaitLog log;
+    log.endInPause(5, other);
+    const auto e = fileError([&] { const DiskStore store(path, log.factory()); });
+    QVERIFY2(!e, qPrintable(e ? e->details : QString()));
+    QCOMPARE(log.pauses, 5);
 }
 
 void DiskStoreLockTest::lockedFileGivesAnErrorAndStaysAsItWas()
@@ -198,7 +236,7 @@ void DiskStoreLockTest::lockedFileGivesAnErrorAndStaysAsItWas()
     {
         const OtherProcess other(path, wholeLock);
         QVERIFY(other.isHolding());
-        const auto e = openingError(path);
+        const auto e = openingError({path, shortPatienceMs});
         QVERIFY(e);
         QCOMPARE(e->message, u"There was an error accessing file a.bdl."_s);
         QCOMPARE(detail(*e, u"operation"_s), u"checking for existence of 'meta' table (1)"_s);
@@ -212,13 +250,16 @@ void DiskStoreLockTest::writerOfAnotherProcessIsWaitedFor()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
-    DiskStore store(path);
+    WaitLog log;
+    DiskStore store(path, log.factory());
     const QSignalSpy errors(&store, &DiskStore::errorOccurred);
-    const OtherProcess writer(path, writeLock, 7);
+    OtherProcess writer(path, writeLock);
     QVERIFY(writer.isHolding());
+    log.endInPause(5, writer);
     // Nothing was read yet in this transaction, so the first write may wait.
     QVERIFY(!fileError([&] { store.updateEntryBody(rootId, u"typed"_s, true); }));
     QCOMPARE(errors.count(), 0);
+    QCOMPARE(log.pauses, 5);
     store.commitAndRestartTransaction();
     QCOMPARE(rows(path, texts), QStringList{u"typed"_s});
 }
@@ -313,8 +354,8 @@ void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
 void DiskStoreLockTest::fileBusyAfterAnUpgradeIsCompactedLater()
 {
     const TestSettings settings;
-    QVERIFY(makeOldFiles(settings.filePath(QString())));
-    const QString path = settings.filePath(u"Old file 3.bdl"_s);
+    const QString path = oldFile(settings);
+    QVERIFY(!path.isEmpty());
     // Pages that only compacting gives back.
     QCOMPARE(change(path,
                     {u"CREATE TABLE large (content)"_s,
@@ -345,8 +386,8 @@ void DiskStoreLockTest::fileBusyAfterAnUpgradeIsCompactedLater()
 void DiskStoreLockTest::compactingThatStaysBusyDoesNotFailTheSaving()
 {
     const TestSettings settings;
-    QVERIFY(makeOldFiles(settings.filePath(QString())));
-    const QString path = settings.filePath(u"Old file 3.bdl"_s);
+    const QString path = oldFile(settings);
+    QVERIFY(!path.isEmpty());
     std::unique_ptr<OtherProcess> reader;
     const LineHook hook([&](const QString &line) {
         if (line.contains(u"compacting"_s))
