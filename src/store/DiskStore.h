@@ -217,6 +217,11 @@ private:
     void prepareQuery(QueryType type, const QString &text);
     /// Runs a prepared query, errors thrown.
     void run(QSqlQuery &query);
+    /// Runs a prepared \a update of one entry, which another program may have removed since the
+    /// caller saw it: what was to be kept in it must not be dropped in silence.
+    void runOnEntry(QSqlQuery &update);
+    /// Likewise for an entry that is to get a child; -1, above the root, is always there.
+    void refuseMissingParent(long long id);
     /// Makes \a attempt until it fails for no other process's sake, or \a deadline is over.
     /// \return the last attempt's error. An attempt that was in vain leaves nothing half-done.
     QSqlError retryWhileBusy(const QDeadlineTimer &deadline,

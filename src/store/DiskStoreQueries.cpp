@@ -86,6 +86,23 @@ void DiskStore::run(QSqlQuery &query)
     executeQuery(&query, false);
 }
 
+void DiskStore::runOnEntry(QSqlQuery &update)
+{
+    run(update);
+    const bool entryIsGone = update.numRowsAffected() == 0;
+    update.finish();
+    if (entryIsGone)
+        throwMessageAndEmit(u"the entry was removed by another program"_s, dbFilePath());
+}
+
+void DiskStore::refuseMissingParent(long long id)
+{
+    if (id != -1 && !contains(id)) {
+        throwMessageAndEmit(u"the parent of the entry was removed by another program"_s,
+                            dbFilePath());
+    }
+}
+
 void DiskStore::finishReading(QSqlQuery &query, const QString &operation)
 {
     const QSqlError error = query.lastError();
@@ -285,6 +302,8 @@ QString DiskStore::getRootExcerpt()
 long long DiskStore::insertEntry(long long parentId, const QString &body, int sequence,
                                  EntryState state, const QDateTime &doneDate)
 {
+    beginChange();
+    refuseMissingParent(parentId);
     shiftEntrySequences(parentId, sequence);
     QSqlQuery &insert = query(InsertEntry);
     insert.bindValue(u":parentid"_s, parentId);
@@ -308,6 +327,8 @@ long long DiskStore::insertEntry(long long parentId, const QString &body, int se
 
 void DiskStore::relocateEntryWithoutDeconfliction(long long id, int sequence, int parentId)
 {
+    beginChange();
+    refuseMissingParent(parentId);
     placeEntry(id, sequence, parentId);
 }
 
@@ -317,8 +338,7 @@ void DiskStore::placeEntry(long long id, int sequence, long long parentId)
     update.bindValue(u":sequence"_s, sequence);
     update.bindValue(u":parentid"_s, parentId);
     update.bindValue(u":entryid"_s, id);
-    run(update);
-    update.finish();
+    runOnEntry(update);
 }
 
 void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
@@ -333,6 +353,8 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
         return;
 
     const long long targetParent = sameParent ? parentId : newParentId;
+    if (!sameParent)
+        refuseMissingParent(targetParent);
     const long long occupant = getEntryId(targetParent, newSequence);
     if (occupant != -1) {
         // One step up swaps the two; shifting would widen the numbers of the whole tail each time.
@@ -377,8 +399,7 @@ void DiskStore::updateEntryBody(long long id, const QString &body, bool isRoot)
     QSqlQuery &update = query(UpdateBody);
     update.bindValue(u":entryid"_s, id);
     update.bindValue(u":body"_s, notNull(body));
-    run(update);
-    update.finish();
+    runOnEntry(update);
     if (isRoot)
         emit rootBodyChanged();
 }
@@ -389,8 +410,7 @@ void DiskStore::updateEntryState(long long id, EntryState state, const QDateTime
     update.bindValue(u":state"_s, toInt(state));
     update.bindValue(u":donedate"_s, DoneDate::toStored(doneDate));
     update.bindValue(u":entryid"_s, id);
-    run(update);
-    update.finish();
+    runOnEntry(update);
 }
 
 void DiskStore::registerShortcut(long long id, int key, const QString &keyText)

@@ -98,6 +98,7 @@ private:
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void(DiskStore &)>)
+Q_DECLARE_METATYPE(std::function<void(DiskStore &, long long)>)
 
 /// Other processes that hold the file: what they keep for a while is waited for, what they keep
 /// for good is an error, and nothing that was saved is ever lost.
@@ -119,6 +120,8 @@ private slots:
     void childInsertedMeanwhileKeepsItsParentFromBeingDeleted();
     void placeTakenMeanwhileIsMadeFree();
     void keyTakenMeanwhileMovesToOurEntry();
+    void entryRemovedMeanwhileIsAnErrorAndNotALostChange_data();
+    void entryRemovedMeanwhileIsAnErrorAndNotALostChange();
     void readingLeavesTheFileToOtherWriters();
     void fileBusyAfterAnUpgradeIsCompactedLater();
     void compactingThatStaysBusyDoesNotFailTheSaving();
@@ -336,6 +339,60 @@ void DiskStoreLockTest::keyTakenMeanwhileMovesToOurEntry()
     QVERIFY(!fileError([&] { store.registerShortcut(rootId, 7, u"7"_s); }));
     QCOMPARE(store.getEntryIdByShortcutKey(7), rootId);
     QCOMPARE(childTexts(store, rootId), QStringList{u"theirs@0"_s});
+}
+
+void DiskStoreLockTest::entryRemovedMeanwhileIsAnErrorAndNotALostChange_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<std::function<void(DiskStore &, long long)>>("action");
+    using Action = std::function<void(DiskStore &, long long)>;
+    const QString removed = u"There was an error: the entry was removed by another program."_s;
+    const QString parentRemoved
+        = u"There was an error: the parent of the entry was removed by another program."_s;
+    QTest::newRow("text") << removed << Action([](DiskStore &store, long long gone) {
+        store.updateEntryBody(gone, u"typed"_s, false);
+    });
+    QTest::newRow("state") << removed << Action([](DiskStore &store, long long gone) {
+        store.updateEntryState(gone, EntryState::Category, {});
+    });
+    QTest::newRow("place") << removed << Action([](DiskStore &store, long long gone) {
+        store.relocateEntryWithoutDeconfliction(gone, 9, rootId);
+    });
+    QTest::newRow("new child") << parentRemoved << Action([](DiskStore &store, long long gone) {
+        addEntry(store, gone, u"typed"_s, 0);
+    });
+    QTest::newRow("moved below it")
+        << parentRemoved << Action([](DiskStore &store, long long gone) {
+               store.relocateEntry(store.getEntryId(rootId, 1), 0, static_cast<int>(gone));
+           });
+    QTest::newRow("placed below it")
+        << parentRemoved << Action([](DiskStore &store, long long gone) {
+               store.relocateEntryWithoutDeconfliction(store.getEntryId(rootId, 1), 0,
+                                                       static_cast<int>(gone));
+           });
+}
+
+void DiskStoreLockTest::entryRemovedMeanwhileIsAnErrorAndNotALostChange()
+{
+    QFETCH(QString, message);
+    QFETCH(std::function<void(DiskStore &, long long)>, action);
+    const TestSettings settings;
+    const QString path = settings.filePath(u"a.bdl"_s);
+    DiskStore store(path);
+    const long long gone = addEntry(store, rootId, u"gone"_s, 0);
+    addEntry(store, rootId, u"other"_s, 1);
+    store.commitAndRestartTransaction();
+    QVERIFY(store.contains(gone));
+    const OtherProcess writer(path,
+                              {u"BEGIN IMMEDIATE"_s, u"DELETE FROM entry WHERE id=%1"_s.arg(gone),
+                               u"DELETE FROM entrybody WHERE docid=%1"_s.arg(gone)},
+                              0, u"COMMIT"_s);
+    QVERIFY(writer.isHolding());
+    const auto e = fileError([&] { action(store, gone); });
+    QVERIFY(e);
+    QCOMPARE(e->message, message);
+    QCOMPARE(e->details, path);
+    QVERIFY(!e->fileWasBusy);
 }
 
 void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
