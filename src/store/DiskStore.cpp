@@ -144,6 +144,8 @@ void DiskStore::refuseReplacedFile()
     if (isStillAtItsPath())
         return;
     const QString what = u"the file was replaced or removed by another program while it was open"_s;
+    // Only an earlier attempt found the file busy.
+    m_lastFailureWasBusy = false;
     // The store goes on: what it holds is the only copy, and the user may still want to read it.
     emitAndThrow(ownError(m_updated ? what + u", so your changes could not be saved in it"_s : what,
                           dbFilePath()));
@@ -286,6 +288,7 @@ void DiskStore::throwFileExceptionAndEmit(const QString &operation)
 void DiskStore::throwMessageAndEmit(const QString &message, const QString &path)
 {
     m_unusable = true;
+    m_lastFailureWasBusy = false;
     emitAndThrow(ownError(message, path));
 }
 

@@ -204,6 +204,7 @@ void DiskStoreLockTest::readerThatNeverLeavesMakesTheCommitFail()
         const auto e = fileError([&] { store.commitAndRestartTransaction(); });
         QVERIFY(time.elapsed() >= shortPatienceMs);
         QVERIFY(e);
+        QVERIFY(e->fileWasBusy);
         QCOMPARE(errors.count(), 1);
         QCOMPARE(e->details.split(u'\n'),
                  (QStringList{u"operation: committing SQL transaction before starting a new one"_s,
@@ -558,6 +559,7 @@ void DiskStoreLockTest::fileReplacedDuringAWaitIsNotSavedIntoNowhere()
     const auto e = fileError([&] { store.commitAndRestartTransaction(); });
     QVERIFY(e);
     QVERIFY(e->message.contains(u"your changes could not be saved"_s));
+    QVERIFY(!e->fileWasBusy);
     QCOMPARE(store.getRootExcerpt(), u"unsaved"_s);
 }
 
