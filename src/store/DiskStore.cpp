@@ -171,6 +171,12 @@ void DiskStore::commitAndRestartTransaction()
 
 void DiskStore::rollbackAndRestartTransaction()
 {
+    restartTransaction();
+    emit rootBodyChanged();
+}
+
+void DiskStore::restartTransaction()
+{
     if (m_transactionActive) {
         if (!m_connection.database().rollback())
             throwFileExceptionAndEmit(u"rolling back SQL transaction"_s);
@@ -178,7 +184,6 @@ void DiskStore::rollbackAndRestartTransaction()
         m_updated = false;
     }
     startTransaction();
-    emit rootBodyChanged();
 }
 
 void DiskStore::refuseUnlessUsable()
@@ -250,6 +255,12 @@ void DiskStore::beginChange()
         qCWarning(lcStore) << "no write lock:" << error;
         throwFileExceptionAndEmit(u"executing query"_s);
     }
+}
+
+void DiskStore::endChangeOfNothing()
+{
+    if (!m_updated)
+        restartTransaction();
 }
 
 QSqlError DiskStore::takeWriteLock()

@@ -230,6 +230,10 @@ private:
     /// Keeps other writers away from now on until the transaction ends. What an operation reads
     /// before it changes anything is only true when this comes first.
     void beginChange();
+    /// Lets other writers in again after a beginChange() that led to no change.
+    void endChangeOfNothing();
+    /// Drops what is not committed.
+    void restartTransaction();
     QSqlError executeOnceFileIsFree(QSqlQuery &query);
     QSqlError takeWriteLock();
     QSqlError restartAsWriter();
@@ -241,6 +245,8 @@ private:
     int readSequence(QSqlQuery &query);
     /// The current parent may have an id that the public operations' 32-bit parameter can't hold.
     void placeEntry(long long id, int sequence, long long parentId);
+    /// Moves the siblings at \a sequence and above one up.
+    void shiftSequences(long long parentId, int sequence);
     void writeShortcut(long long id, const QVariant &key, const QString &keyText);
     void commitOrThrow();
     void refuseReplacedFile();

@@ -304,7 +304,8 @@ long long DiskStore::insertEntry(long long parentId, const QString &body, int se
 {
     beginChange();
     refuseMissingParent(parentId);
-    shiftEntrySequences(parentId, sequence);
+    if (getEntryId(parentId, sequence) != -1)
+        shiftSequences(parentId, sequence);
     QSqlQuery &insert = query(InsertEntry);
     insert.bindValue(u":parentid"_s, parentId);
     insert.bindValue(u":sequence"_s, sequence);
@@ -350,7 +351,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
         throwMessageAndEmit(u"entry to relocate not found"_s, dbFilePath());
     const bool sameParent = newParentId == keepParent || newParentId == parentId;
     if (sameParent && newSequence == sequence)
-        return;
+        return endChangeOfNothing();
 
     const long long targetParent = sameParent ? parentId : newParentId;
     if (!sameParent)
@@ -363,7 +364,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
         if (oneStepUp)
             placeEntry(occupant, newSequence + 1, parentId);
         else
-            shiftEntrySequences(targetParent, newSequence);
+            shiftSequences(targetParent, newSequence);
     }
     placeEntry(id, newSequence, targetParent);
 }
@@ -372,7 +373,13 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 {
     beginChange();
     if (getEntryId(parentId, sequence) == -1)
-        return;
+        endChangeOfNothing();
+    else
+        shiftSequences(parentId, sequence);
+}
+
+void DiskStore::shiftSequences(long long parentId, int sequence)
+{
     QSqlQuery &update = query(ShiftSequences);
     update.bindValue(u":parentid"_s, parentId);
     update.bindValue(u":sequence"_s, sequence);
@@ -383,8 +390,10 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 bool DiskStore::deleteEntry(long long id)
 {
     beginChange();
-    if (getMaxEntrySequence(id, highestSequence) != -1)
+    if (getMaxEntrySequence(id, highestSequence) != -1) {
+        endChangeOfNothing();
         return false;
+    }
     for (const QueryType type : {DeleteBody, DeleteEntry}) {
         QSqlQuery &remove = query(type);
         remove.bindValue(u":entryid"_s, id);

@@ -123,6 +123,8 @@ private slots:
     void entryRemovedMeanwhileIsAnErrorAndNotALostChange_data();
     void entryRemovedMeanwhileIsAnErrorAndNotALostChange();
     void readingLeavesTheFileToOtherWriters();
+    void changeThatChangesNothingLeavesTheFileToOtherWriters_data();
+    void changeThatChangesNothingLeavesTheFileToOtherWriters();
     void fileBusyAfterAnUpgradeIsCompactedLater();
     void compactingThatStaysBusyDoesNotFailTheSaving();
     void waitIsTold_data();
@@ -407,6 +409,37 @@ void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
     QVERIFY(canBeWrittenByOthers(path));
     store.updateEntryState(rootId, EntryState::Category, {});
     QVERIFY(!canBeWrittenByOthers(path));
+}
+
+void DiskStoreLockTest::changeThatChangesNothingLeavesTheFileToOtherWriters_data()
+{
+    QTest::addColumn<std::function<void(DiskStore &)>>("action");
+    using Action = std::function<void(DiskStore &)>;
+    QTest::newRow("deleting an entry with children")
+        << Action([](DiskStore &store) { QVERIFY(!store.deleteEntry(rootId)); });
+    QTest::newRow("moving to the same place") << Action([](DiskStore &store) {
+        store.relocateEntry(store.getEntryId(rootId, 3), 3, DiskStore::keepParent);
+    });
+    QTest::newRow("making a free place free")
+        << Action([](DiskStore &store) { store.shiftEntrySequences(rootId, 7); });
+}
+
+void DiskStoreLockTest::changeThatChangesNothingLeavesTheFileToOtherWriters()
+{
+    QFETCH(std::function<void(DiskStore &)>, action);
+    const TestSettings settings;
+    const QString path = settings.filePath(u"a.bdl"_s);
+    DiskStore store(path);
+    addEntry(store, rootId, u"child"_s, 3);
+    store.commitAndRestartTransaction();
+    action(store);
+    QVERIFY(canBeWrittenByOthers(path));
+    // What is unsaved already stays, and others stay away from it.
+    store.updateEntryBody(rootId, u"unsaved"_s, true);
+    action(store);
+    QVERIFY(!canBeWrittenByOthers(path));
+    store.commitAndRestartTransaction();
+    QCOMPARE(rows(path, texts), (QStringList{u"unsaved"_s, u"child"_s}));
 }
 
 void DiskStoreLockTest::fileBusyAfterAnUpgradeIsCompactedLater()
