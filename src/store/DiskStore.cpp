@@ -122,7 +122,7 @@ void DiskStore::startTransaction()
     m_updated = false;
 }
 
-void DiskStore::commitOrThrow()
+void DiskStore::commitOrThrow(const QDeadlineTimer &deadline)
 {
     const QString operation = u"committing SQL transaction before starting a new one"_s;
     // A change that failed half-way must not be saved.
@@ -130,7 +130,7 @@ void DiskStore::commitOrThrow()
         throwFileExceptionAndEmit(operation);
     // While other processes read the file a commit fails but leaves the transaction whole. After
     // any other failure the transaction is gone, and a second attempt would only hide the reason.
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(m_patienceMs), [this] {
+    const QSqlError error = retryWhileBusy(deadline, [this] {
         refuseReplacedFile();
         return commit();
     });
@@ -159,8 +159,13 @@ QSqlError DiskStore::commit()
 
 void DiskStore::commitAndRestartTransaction()
 {
+    commitAndRestartTransaction(QDeadlineTimer(m_patienceMs));
+}
+
+void DiskStore::commitAndRestartTransaction(const QDeadlineTimer &deadline)
+{
     if (m_transactionActive) {
-        commitOrThrow();
+        commitOrThrow(deadline);
         m_transactionActive = false;
         m_updated = false;
         if (m_needsCompacting)

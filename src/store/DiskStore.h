@@ -95,6 +95,8 @@ public:
     void startTransaction();
     /// Saves. A commit that other readers hold up is tried again until the store's patience ends.
     void commitAndRestartTransaction();
+    /// Likewise until \a deadline, which several stores may share; it is tried at least once.
+    void commitAndRestartTransaction(const QDeadlineTimer &deadline);
     void rollbackAndRestartTransaction();
     /// Runs the bound \a query inside the transaction; when it changes the file and is no part of
     /// an operation below, other writers are waited for first. With \a returnErrors a failure is
@@ -248,7 +250,7 @@ private:
     /// Moves the siblings at \a sequence and above one up.
     void shiftSequences(long long parentId, int sequence);
     void writeShortcut(long long id, const QVariant &key, const QString &keyText);
-    void commitOrThrow();
+    void commitOrThrow(const QDeadlineTimer &deadline);
     void refuseReplacedFile();
     /// One attempt.
     QSqlError commit();
