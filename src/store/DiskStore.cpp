@@ -105,6 +105,14 @@ bool DiskStore::isSameFile(const QString &path) const
     return !canonical.isEmpty() && canonical == QFileInfo(dbFilePath()).canonicalFilePath();
 }
 
+bool DiskStore::isCompanionFile(const QString &path) const
+{
+    const auto belongsToUs = [this, &path](const QString &suffix) {
+        return path.endsWith(suffix) && isSameFile(path.chopped(suffix.size()));
+    };
+    return belongsToUs(u"-journal"_s) || belongsToUs(u"-wal"_s) || belongsToUs(u"-shm"_s);
+}
+
 bool DiskStore::isStillAtItsPath() const
 {
     return m_identity.matches(dbFilePath());

@@ -87,6 +87,9 @@ public:
 
     /// Whether \a path, however it is spelled, leads to the file that this store has open.
     bool isSameFile(const QString &path) const;
+    /// Whether \a path leads to one of the files that SQLite keeps beside the open one, whether it
+    /// is there at the moment or not.
+    bool isCompanionFile(const QString &path) const;
     /// Whether the file at the store's path is still the one that was opened.
     bool isStillAtItsPath() const;
 

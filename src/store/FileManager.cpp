@@ -55,8 +55,9 @@ bool FileManager::isAccessible(const QString &path)
 
 bool FileManager::isOpen(const QString &path) const
 {
-    return std::any_of(m_files.begin(), m_files.end(),
-                       [&path](const auto &file) { return file->isSameFile(path); });
+    return std::any_of(m_files.begin(), m_files.end(), [&path](const auto &file) {
+        return file->isSameFile(path) || file->isCompanionFile(path);
+    });
 }
 
 void FileManager::openFileInner(const QString &filePath, int index)
