@@ -122,7 +122,7 @@ private slots:
     void keyTakenMeanwhileMovesToOurEntry();
     void entryRemovedMeanwhileIsAnErrorAndNotALostChange_data();
     void entryRemovedMeanwhileIsAnErrorAndNotALostChange();
-    void readingLeavesTheFileToOtherWriters();
+    void writeLockIsLeftToOthersUntilTheFirstChange();
     void changeThatChangesNothingLeavesTheFileToOtherWriters_data();
     void changeThatChangesNothingLeavesTheFileToOtherWriters();
     void fileBusyAfterAnUpgradeIsCompactedLater();
@@ -398,7 +398,7 @@ void DiskStoreLockTest::entryRemovedMeanwhileIsAnErrorAndNotALostChange()
     QVERIFY(!e->fileWasBusy);
 }
 
-void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
+void DiskStoreLockTest::writeLockIsLeftToOthersUntilTheFirstChange()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
