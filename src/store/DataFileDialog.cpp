@@ -4,6 +4,7 @@
 #include <QAbstractItemView>
 #include <QDir>
 #include <QMimeDatabase>
+#include <QShortcut>
 
 using namespace Qt::StringLiterals;
 
@@ -30,12 +31,16 @@ DataFileDialog::DataFileDialog(const QString &caption)
     m_dialog.setIconProvider(&m_icons);
     m_dialog.setWindowTitle(caption);
     m_dialog.setDirectory(QDir::homePath());
-    // A file that is dragged to another folder is copied, and one that can't be renamed as well.
+    // A file that is dragged to another folder is copied, and one that can't be renamed as well;
+    // and what is deleted here may be open.
     for (const QString &name : {u"listView"_s, u"treeView"_s}) {
         auto *view = m_dialog.findChild<QAbstractItemView *>(name);
         view->setDragDropMode(QAbstractItemView::NoDragDrop);
         view->setEditTriggers(QAbstractItemView::NoEditTriggers);
         view->setContextMenuPolicy(Qt::NoContextMenu);
+        // The Delete key.
+        for (QShortcut *shortcut : view->findChildren<QShortcut *>())
+            shortcut->setEnabled(false);
     }
 }
 

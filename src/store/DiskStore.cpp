@@ -57,14 +57,21 @@ DiskStore::FileException::FileException(const QSqlDatabase *database, const QStr
     }.join(u'\n');
 }
 
-DiskStore::DiskStore(QString path, FileWaitFactory beginWait)
-    : m_connection(path, sqliteTimeoutMs)
+DiskStore::Source::Source(QString filePath, int patience)
+    : path(std::move(filePath))
+    , patienceMs(patience)
+{
+}
+
+DiskStore::DiskStore(const Source &source, FileWaitFactory beginWait)
+    : m_connection(source.path, sqliteTimeoutMs)
+    , m_patienceMs(source.patienceMs)
     , m_beginWait(std::move(beginWait))
 {
     if (!m_connection.database().open())
         throwFileExceptionAndEmit(u"opening file"_s);
     setUpBaseData();
-    m_identity.note(path);
+    m_identity.note(source.path);
     prepareQueries();
     startTransaction();
 }
@@ -98,6 +105,14 @@ bool DiskStore::isSameFile(const QString &path) const
     return !canonical.isEmpty() && canonical == QFileInfo(dbFilePath()).canonicalFilePath();
 }
 
+bool DiskStore::isCompanionFile(const QString &path) const
+{
+    const auto belongsToUs = [this, &path](const QString &suffix) {
+        return path.endsWith(suffix) && isSameFile(path.chopped(suffix.size()));
+    };
+    return belongsToUs(u"-journal"_s) || belongsToUs(u"-wal"_s) || belongsToUs(u"-shm"_s);
+}
+
 bool DiskStore::isStillAtItsPath() const
 {
     return m_identity.matches(dbFilePath());
@@ -115,7 +130,7 @@ void DiskStore::startTransaction()
     m_updated = false;
 }
 
-void DiskStore::commitOrThrow()
+void DiskStore::commitOrThrow(const QDeadlineTimer &deadline)
 {
     const QString operation = u"committing SQL transaction before starting a new one"_s;
     // A change that failed half-way must not be saved.
@@ -123,7 +138,7 @@ void DiskStore::commitOrThrow()
         throwFileExceptionAndEmit(operation);
     // While other processes read the file a commit fails but leaves the transaction whole. After
     // any other failure the transaction is gone, and a second attempt would only hide the reason.
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [this] {
+    const QSqlError error = retryWhileBusy(deadline, [this] {
         refuseReplacedFile();
         return commit();
     });
@@ -137,6 +152,8 @@ void DiskStore::refuseReplacedFile()
     if (isStillAtItsPath())
         return;
     const QString what = u"the file was replaced or removed by another program while it was open"_s;
+    // Only an earlier attempt found the file busy.
+    m_lastFailureWasBusy = false;
     // The store goes on: what it holds is the only copy, and the user may still want to read it.
     emitAndThrow(ownError(m_updated ? what + u", so your changes could not be saved in it"_s : what,
                           dbFilePath()));
@@ -150,8 +167,13 @@ QSqlError DiskStore::commit()
 
 void DiskStore::commitAndRestartTransaction()
 {
+    commitAndRestartTransaction(QDeadlineTimer(m_patienceMs));
+}
+
+void DiskStore::commitAndRestartTransaction(const QDeadlineTimer &deadline)
+{
     if (m_transactionActive) {
-        commitOrThrow();
+        commitOrThrow(deadline);
         m_transactionActive = false;
         m_updated = false;
         if (m_needsCompacting)
@@ -162,6 +184,12 @@ void DiskStore::commitAndRestartTransaction()
 
 void DiskStore::rollbackAndRestartTransaction()
 {
+    restartTransaction();
+    emit rootBodyChanged();
+}
+
+void DiskStore::restartTransaction()
+{
     if (m_transactionActive) {
         if (!m_connection.database().rollback())
             throwFileExceptionAndEmit(u"rolling back SQL transaction"_s);
@@ -169,7 +197,6 @@ void DiskStore::rollbackAndRestartTransaction()
         m_updated = false;
     }
     startTransaction();
-    emit rootBodyChanged();
 }
 
 void DiskStore::refuseUnlessUsable()
@@ -209,7 +236,7 @@ QSqlError DiskStore::executeOnceFileIsFree(QSqlQuery &query)
     // Only the first query of a transaction can find the file busy, so no snapshot is given up.
     // What goes on during the wait may read with the same query.
     const QVariantList values = query.boundValues();
-    return retryWhileBusy(QDeadlineTimer(patienceMs), [&query, &values] {
+    return retryWhileBusy(QDeadlineTimer(m_patienceMs), [&query, &values] {
         for (int i = 0; i < values.size(); ++i)
             query.bindValue(i, values.at(i));
         return query.exec() ? QSqlError() : query.lastError();
@@ -244,10 +271,16 @@ void DiskStore::beginChange()
     }
 }
 
+void DiskStore::endChangeOfNothing()
+{
+    if (!m_updated)
+        restartTransaction();
+}
+
 QSqlError DiskStore::takeWriteLock()
 {
     const QSqlError error
-        = retryWhileBusy(QDeadlineTimer(patienceMs), [this] { return restartAsWriter(); });
+        = retryWhileBusy(QDeadlineTimer(m_patienceMs), [this] { return restartAsWriter(); });
     // Why the file can't be written is said by the statement that wants to.
     return SqlErrors::isBusy(error) ? error : QSqlError();
 }
@@ -280,6 +313,7 @@ void DiskStore::throwFileExceptionAndEmit(const QString &operation)
 void DiskStore::throwMessageAndEmit(const QString &message, const QString &path)
 {
     m_unusable = true;
+    m_lastFailureWasBusy = false;
     emitAndThrow(ownError(message, path));
 }
 

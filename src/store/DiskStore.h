@@ -59,14 +59,25 @@ public:
     /// In place of a parent's id: the entry keeps its parent.
     static constexpr int keepParent = -2;
 
-    /// How long an operation waits for other processes to let go of the file before it fails.
-    static constexpr int patienceMs = 10000;
+    /// How long an operation waits for other processes to let go of the file before it fails, where
+    /// nothing else is asked for.
+    static constexpr int defaultPatienceMs = 10000;
 
-    /// Opens the file at \a path, makes it when missing, and brings it to the current schema.
+    /// A file to open.
+    struct Source {
+        // Implicit: most files are opened with nothing but a path.
+        Source(QString filePath, int patience = defaultPatienceMs);
+
+        QString path;
+        /// How long each operation waits for other processes, in milliseconds.
+        int patienceMs;
+    };
+
+    /// Opens the file of \a source, makes it when missing, and brings it to the current schema.
     /// \a beginWait is called whenever the store has to wait for another process, as long as it
     /// lives; without one it waits in silence.
     /// \throws FileException when it can't be opened, set up or upgraded.
-    explicit DiskStore(QString path, FileWaitFactory beginWait = {});
+    explicit DiskStore(const Source &source, FileWaitFactory beginWait = {});
     /// Closes the file; what was not committed is lost.
     ~DiskStore() override;
 
@@ -76,14 +87,19 @@ public:
 
     /// Whether \a path, however it is spelled, leads to the file that this store has open.
     bool isSameFile(const QString &path) const;
+    /// Whether \a path leads to one of the files that SQLite keeps beside the open one, whether it
+    /// is there at the moment or not.
+    bool isCompanionFile(const QString &path) const;
     /// Whether the file at the store's path is still the one that was opened.
     bool isStillAtItsPath() const;
 
     /// \name Transaction
     /// @{
     void startTransaction();
-    /// Saves. A commit that other readers hold up is tried again for patienceMs.
+    /// Saves. A commit that other readers hold up is tried again until the store's patience ends.
     void commitAndRestartTransaction();
+    /// Likewise until \a deadline, which several stores may share; it is tried at least once.
+    void commitAndRestartTransaction(const QDeadlineTimer &deadline);
     void rollbackAndRestartTransaction();
     /// Runs the bound \a query inside the transaction; when it changes the file and is no part of
     /// an operation below, other writers are waited for first. With \a returnErrors a failure is
@@ -206,6 +222,11 @@ private:
     void prepareQuery(QueryType type, const QString &text);
     /// Runs a prepared query, errors thrown.
     void run(QSqlQuery &query);
+    /// Runs a prepared \a update of one entry, which another program may have removed since the
+    /// caller saw it: what was to be kept in it must not be dropped in silence.
+    void runOnEntry(QSqlQuery &update);
+    /// Likewise for an entry that is to get a child; -1, above the root, is always there.
+    void refuseMissingParent(long long id);
     /// Makes \a attempt until it fails for no other process's sake, or \a deadline is over.
     /// \return the last attempt's error. An attempt that was in vain leaves nothing half-done.
     QSqlError retryWhileBusy(const QDeadlineTimer &deadline,
@@ -214,6 +235,10 @@ private:
     /// Keeps other writers away from now on until the transaction ends. What an operation reads
     /// before it changes anything is only true when this comes first.
     void beginChange();
+    /// Lets other writers in again after a beginChange() that led to no change.
+    void endChangeOfNothing();
+    /// Drops what is not committed.
+    void restartTransaction();
     QSqlError executeOnceFileIsFree(QSqlQuery &query);
     QSqlError takeWriteLock();
     QSqlError restartAsWriter();
@@ -225,13 +250,16 @@ private:
     int readSequence(QSqlQuery &query);
     /// The current parent may have an id that the public operations' 32-bit parameter can't hold.
     void placeEntry(long long id, int sequence, long long parentId);
+    /// Moves the siblings at \a sequence and above one up.
+    void shiftSequences(long long parentId, int sequence);
     void writeShortcut(long long id, const QVariant &key, const QString &keyText);
-    void commitOrThrow();
+    void commitOrThrow(const QDeadlineTimer &deadline);
     void refuseReplacedFile();
     /// One attempt.
     QSqlError commit();
 
     DatabaseConnection m_connection;
+    int m_patienceMs;
     FileWaitFactory m_beginWait;
     OpenedFileIdentity m_identity;
     std::array<std::unique_ptr<QSqlQuery>, QueryTypeCount> m_queries;

@@ -74,7 +74,7 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
     auto &slot = m_queries[type];
     slot = std::make_unique<QSqlQuery>(m_connection.database());
     slot->setForwardOnly(true);
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&slot, &text] {
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(m_patienceMs), [&slot, &text] {
         return slot->prepare(text) ? QSqlError() : slot->lastError();
     });
     if (error.isValid())
@@ -84,6 +84,23 @@ void DiskStore::prepareQuery(QueryType type, const QString &text)
 void DiskStore::run(QSqlQuery &query)
 {
     executeQuery(&query, false);
+}
+
+void DiskStore::runOnEntry(QSqlQuery &update)
+{
+    run(update);
+    const bool entryIsGone = update.numRowsAffected() == 0;
+    update.finish();
+    if (entryIsGone)
+        throwMessageAndEmit(u"the entry was removed by another program"_s, dbFilePath());
+}
+
+void DiskStore::refuseMissingParent(long long id)
+{
+    if (id != -1 && !contains(id)) {
+        throwMessageAndEmit(u"the parent of the entry was removed by another program"_s,
+                            dbFilePath());
+    }
 }
 
 void DiskStore::finishReading(QSqlQuery &query, const QString &operation)
@@ -285,7 +302,10 @@ QString DiskStore::getRootExcerpt()
 long long DiskStore::insertEntry(long long parentId, const QString &body, int sequence,
                                  EntryState state, const QDateTime &doneDate)
 {
-    shiftEntrySequences(parentId, sequence);
+    beginChange();
+    refuseMissingParent(parentId);
+    if (getEntryId(parentId, sequence) != -1)
+        shiftSequences(parentId, sequence);
     QSqlQuery &insert = query(InsertEntry);
     insert.bindValue(u":parentid"_s, parentId);
     insert.bindValue(u":sequence"_s, sequence);
@@ -308,6 +328,8 @@ long long DiskStore::insertEntry(long long parentId, const QString &body, int se
 
 void DiskStore::relocateEntryWithoutDeconfliction(long long id, int sequence, int parentId)
 {
+    beginChange();
+    refuseMissingParent(parentId);
     placeEntry(id, sequence, parentId);
 }
 
@@ -317,8 +339,7 @@ void DiskStore::placeEntry(long long id, int sequence, long long parentId)
     update.bindValue(u":sequence"_s, sequence);
     update.bindValue(u":parentid"_s, parentId);
     update.bindValue(u":entryid"_s, id);
-    run(update);
-    update.finish();
+    runOnEntry(update);
 }
 
 void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
@@ -330,9 +351,11 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
         throwMessageAndEmit(u"entry to relocate not found"_s, dbFilePath());
     const bool sameParent = newParentId == keepParent || newParentId == parentId;
     if (sameParent && newSequence == sequence)
-        return;
+        return endChangeOfNothing();
 
     const long long targetParent = sameParent ? parentId : newParentId;
+    if (!sameParent)
+        refuseMissingParent(targetParent);
     const long long occupant = getEntryId(targetParent, newSequence);
     if (occupant != -1) {
         // One step up swaps the two; shifting would widen the numbers of the whole tail each time.
@@ -341,7 +364,7 @@ void DiskStore::relocateEntry(long long id, int newSequence, int newParentId)
         if (oneStepUp)
             placeEntry(occupant, newSequence + 1, parentId);
         else
-            shiftEntrySequences(targetParent, newSequence);
+            shiftSequences(targetParent, newSequence);
     }
     placeEntry(id, newSequence, targetParent);
 }
@@ -350,7 +373,13 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 {
     beginChange();
     if (getEntryId(parentId, sequence) == -1)
-        return;
+        endChangeOfNothing();
+    else
+        shiftSequences(parentId, sequence);
+}
+
+void DiskStore::shiftSequences(long long parentId, int sequence)
+{
     QSqlQuery &update = query(ShiftSequences);
     update.bindValue(u":parentid"_s, parentId);
     update.bindValue(u":sequence"_s, sequence);
@@ -361,8 +390,10 @@ void DiskStore::shiftEntrySequences(long long parentId, int sequence)
 bool DiskStore::deleteEntry(long long id)
 {
     beginChange();
-    if (getMaxEntrySequence(id, highestSequence) != -1)
+    if (getMaxEntrySequence(id, highestSequence) != -1) {
+        endChangeOfNothing();
         return false;
+    }
     for (const QueryType type : {DeleteBody, DeleteEntry}) {
         QSqlQuery &remove = query(type);
         remove.bindValue(u":entryid"_s, id);
@@ -377,8 +408,7 @@ void DiskStore::updateEntryBody(long long id, const QString &body, bool isRoot)
     QSqlQuery &update = query(UpdateBody);
     update.bindValue(u":entryid"_s, id);
     update.bindValue(u":body"_s, notNull(body));
-    run(update);
-    update.finish();
+    runOnEntry(update);
     if (isRoot)
         emit rootBodyChanged();
 }
@@ -389,8 +419,7 @@ void DiskStore::updateEntryState(long long id, EntryState state, const QDateTime
     update.bindValue(u":state"_s, toInt(state));
     update.bindValue(u":donedate"_s, DoneDate::toStored(doneDate));
     update.bindValue(u":entryid"_s, id);
-    run(update);
-    update.finish();
+    runOnEntry(update);
 }
 
 void DiskStore::registerShortcut(long long id, int key, const QString &keyText)

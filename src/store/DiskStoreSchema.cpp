@@ -28,7 +28,7 @@ constexpr std::pair<EntryState, EntryState> stateCombinations[] = {
 void DiskStore::beginSetUp()
 {
     QSqlDatabase &database = m_connection.database();
-    const QSqlError error = retryWhileBusy(QDeadlineTimer(patienceMs), [&database] {
+    const QSqlError error = retryWhileBusy(QDeadlineTimer(m_patienceMs), [&database] {
         QSqlQuery begin(database);
         return begin.exec(u"BEGIN IMMEDIATE"_s) ? QSqlError() : begin.lastError();
     });
@@ -65,7 +65,7 @@ void DiskStore::setUpBaseData()
     runUpgrades(version);
     repairSequences();
     setMetaPropValueInt(u"dbschema"_s, currentSchema);
-    if (retryWhileBusy(QDeadlineTimer(patienceMs), [this] { return commit(); }).isValid())
+    if (retryWhileBusy(QDeadlineTimer(m_patienceMs), [this] { return commit(); }).isValid())
         throwFileExceptionAndEmit(u"saving changes after schema upgrade"_s);
     if (version != currentSchema)
         compactAfterUpgrade();

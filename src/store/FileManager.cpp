@@ -55,12 +55,14 @@ bool FileManager::isAccessible(const QString &path)
 
 bool FileManager::isOpen(const QString &path) const
 {
-    return std::any_of(m_files.begin(), m_files.end(),
-                       [&path](const auto &file) { return file->isSameFile(path); });
+    return std::any_of(m_files.begin(), m_files.end(), [&path](const auto &file) {
+        return file->isSameFile(path) || file->isCompanionFile(path);
+    });
 }
 
-void FileManager::openFileInner(const QString &path, int index)
+void FileManager::openFileInner(const QString &filePath, int index)
 {
+    const DiskStore::Source path(filePath, m_patienceMs);
     auto store = std::make_unique<DiskStore>(
         path, [this](const QString &name) -> std::unique_ptr<FileWait> {
             return m_waitsInSilence ? nullptr : std::make_unique<WaitNotice>(name);
@@ -69,7 +71,7 @@ void FileManager::openFileInner(const QString &path, int index)
         store->getRootExcerpt();
     } catch (const char *text) {
         // Every reader of the file relies on the root entry.
-        store->throwMessageAndEmit(QString::fromLatin1(text), path);
+        store->throwMessageAndEmit(QString::fromLatin1(text), filePath);
     }
     connectStore(store.get());
     const int slot = std::clamp(index, 0, getFileCount());

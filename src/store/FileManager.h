@@ -21,9 +21,10 @@ class FileManager : public QObject
 
 public:
     /// Opens the files that the settings list; what can't be opened is reported and skipped, and
-    /// forgotten unless it is only locked by another process.
+    /// forgotten unless it is only locked by another process. \a patienceMs is how long a file is
+    /// waited for.
     /// \throws const char* when the settings' list is corrupt.
-    FileManager();
+    explicit FileManager(int patienceMs = DiskStore::defaultPatienceMs);
     ~FileManager() override;
 
     /// The store at \a index; owned by this object, null when there is no such file.
@@ -108,6 +109,7 @@ private:
     bool makeWayForNewFile(const QString &path);
     void showInformation(const QString &title, const QString &text);
 
+    int m_patienceMs;
     std::vector<std::unique_ptr<DiskStore>> m_files;
     /// Could not be opened at start because others had locked them; remembered behind the open
     /// ones.

@@ -18,9 +18,11 @@ void FileManager::firstUpdateOfTransaction()
 bool FileManager::commitAndRestartTransactions()
 {
     bool allSaved = true;
+    // One for all, so that the user doesn't wait for each locked file in turn.
+    const QDeadlineTimer deadline(m_patienceMs);
     for (const auto &file : m_files) {
         try {
-            file->commitAndRestartTransaction();
+            file->commitAndRestartTransaction(deadline);
         } catch (const DiskStore::FileException &) {
             // The store has reported it; fileError() will tell the user.
             allSaved = false;

@@ -15,7 +15,8 @@ constexpr QLatin1String filesGroup = QLatin1String("loadfiles");
 constexpr QLatin1String singleFileKey = QLatin1String("dbpath");
 } // namespace
 
-FileManager::FileManager()
+FileManager::FileManager(int patienceMs)
+    : m_patienceMs(patienceMs)
 {
     migrateSingleFileSetting();
     const QList<StoredFile> files = readStoredFiles();

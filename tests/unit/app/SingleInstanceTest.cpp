@@ -498,7 +498,9 @@ void SingleInstanceTest::aLockFileThatMayOnlyBeReadIsLockedAllTheSame()
     if (::geteuid() == 0 && ::seteuid(65534) != 0)
         QSKIP("whoever runs this may write everything");
     const auto again = qScopeGuard([] { [[maybe_unused]] const int done = ::seteuid(::getuid()); });
-    QTemporaryDir folder;
+    // A folder for temporary files of root's own is closed to everybody else.
+    QTemporaryDir folder(u"/tmp/SingleInstanceTest-XXXXXX"_s);
+    QVERIFY2(folder.isValid(), qPrintable(folder.errorString()));
     const QString path = folder.filePath(u"lock"_s);
     makeFile(path);
     QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));

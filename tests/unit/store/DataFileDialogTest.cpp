@@ -37,6 +37,20 @@ bool showsFiles(QFileDialog *dialog, const QString &folder, int count)
     return true;
 }
 
+/// The list that \a dialog shows in its present view.
+QAbstractItemView *shownView(QFileDialog *dialog)
+{
+    const bool details = dialog->viewMode() == QFileDialog::Detail;
+    return dialog->findChild<QAbstractItemView *>(details ? u"treeView"_s : u"listView"_s);
+}
+
+bool changesNothingByMouse(const QAbstractItemView *view)
+{
+    return view->dragDropMode() == QAbstractItemView::NoDragDrop && !view->acceptDrops()
+        && !view->dragEnabled() && view->editTriggers() == QAbstractItemView::NoEditTriggers
+        && view->contextMenuPolicy() == Qt::NoContextMenu;
+}
+
 #ifdef Q_OS_LINUX
 /// Notes which files of a folder are opened by whomever.
 class OpenWatch
@@ -89,8 +103,8 @@ private slots:
     void dialogOpensNoneOfTheFilesThatItShows();
     void dialogKeepsTheLocksOfOpenFiles_data();
     void dialogKeepsTheLocksOfOpenFiles();
-    void dialogMovesAndRenamesNothing_data();
-    void dialogMovesAndRenamesNothing();
+    void dialogMovesRenamesAndDeletesNothing_data();
+    void dialogMovesRenamesAndDeletesNothing();
 
 private:
     void addDialogs();
@@ -193,29 +207,42 @@ void DataFileDialogTest::dialogKeepsTheLocksOfOpenFiles()
     }
 }
 
-void DataFileDialogTest::dialogMovesAndRenamesNothing_data()
+void DataFileDialogTest::dialogMovesRenamesAndDeletesNothing_data()
 {
     addDialogs();
 }
 
-void DataFileDialogTest::dialogMovesAndRenamesNothing()
+void DataFileDialogTest::dialogMovesRenamesAndDeletesNothing()
 {
-    FileUser user({QString()});
+    FileUser user({QString()}, {QMessageBox::Yes, QMessageBox::Yes});
+    const QString path = user.home(u"work.bdl"_s);
+    m_files->openFile(path, 0);
     int views = 0;
-    user.beforeAnswering([&views](QFileDialog *dialog) {
-        for (const QString &name : {u"listView"_s, u"treeView"_s}) {
-            const auto *view = dialog->findChild<QAbstractItemView *>(name);
-            views += view && view->dragDropMode() == QAbstractItemView::NoDragDrop
-                    && !view->acceptDrops() && !view->dragEnabled()
-                    && view->editTriggers() == QAbstractItemView::NoEditTriggers
-                    && view->contextMenuPolicy() == Qt::NoContextMenu
-                ? 1
-                : 0;
-        }
-        return true;
+    QList<QFileDialog::ViewMode> toTry = {QFileDialog::Detail, QFileDialog::List};
+    bool pressing = false;
+    user.beforeAnswering([&](QFileDialog *dialog) {
+        if (!pressing && (toTry.isEmpty() || !QFile::exists(path)))
+            return true;
+        if (pressing || !showsFiles(dialog, user.home(QString()), 1))
+            return false;
+        dialog->setViewMode(toTry.last());
+        QAbstractItemView *const view = shownView(dialog);
+        views += changesNothingByMouse(view) ? 1 : 0;
+        dialog->selectFile(path);
+        view->setFocus();
+        // Not from in here: a question would not be answered.
+        pressing = true;
+        QTimer::singleShot(0, view, [&pressing, &toTry, view] {
+            QTest::keyClick(view, Qt::Key_Delete);
+            toTry.removeLast();
+            pressing = false;
+        });
+        return false;
     });
     showDialog();
+    QVERIFY(QFile::exists(path));
     QCOMPARE(views, 2);
+    QCOMPARE(user.boxes.texts(), QStringList());
 }
 
 QTEST_MAIN(DataFileDialogTest)

@@ -4,6 +4,7 @@
 #include "store/DiskStore.h"
 
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
@@ -56,6 +57,15 @@ struct WaitLog {
     int running = 0;
     std::function<void()> duringPause;
 
+    /// Has \a process let go of the file in the pause with this number, counted from 1.
+    void endInPause(int number, OtherProcess &process)
+    {
+        duringPause = [this, number, &process] {
+            if (pauses == number)
+                process.letGo();
+        };
+    }
+
     FileWaitFactory factory()
     {
         return [this](const QString &name) {
@@ -88,6 +98,7 @@ private:
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void(DiskStore &)>)
+Q_DECLARE_METATYPE(std::function<void(DiskStore &, long long)>)
 
 /// Other processes that hold the file: what they keep for a while is waited for, what they keep
 /// for good is an error, and nothing that was saved is ever lost.
@@ -96,6 +107,8 @@ class DiskStoreLockTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
+    void patienceIsTenSecondsUnlessAnotherIsAskedFor();
     void othersCanReadWhatIsSavedWhileWeWork();
     void readerHeldDuringTheCommitLosesNothing();
     void readerThatNeverLeavesMakesTheCommitFail();
@@ -107,7 +120,11 @@ private slots:
     void childInsertedMeanwhileKeepsItsParentFromBeingDeleted();
     void placeTakenMeanwhileIsMadeFree();
     void keyTakenMeanwhileMovesToOurEntry();
-    void readingLeavesTheFileToOtherWriters();
+    void entryRemovedMeanwhileIsAnErrorAndNotALostChange_data();
+    void entryRemovedMeanwhileIsAnErrorAndNotALostChange();
+    void writeLockIsLeftToOthersUntilTheFirstChange();
+    void changeThatChangesNothingLeavesTheFileToOtherWriters_data();
+    void changeThatChangesNothingLeavesTheFileToOtherWriters();
     void fileBusyAfterAnUpgradeIsCompactedLater();
     void compactingThatStaysBusyDoesNotFailTheSaving();
     void waitIsTold_data();
@@ -116,7 +133,31 @@ private slots:
     void readingDuringAWaitDoesNotDisturbIt();
     void fileReplacedDuringAWaitIsNotSavedIntoNowhere();
     void killedProcessLosesOnlyWhatWasNotSaved();
+
+private:
+    /// A file in the test's folder that is compacted when it is opened.
+    QString oldFile(const TestSettings &settings) const;
+
+    QTemporaryDir m_fixtures;
 };
+
+void DiskStoreLockTest::initTestCase()
+{
+    QVERIFY(makeOldFiles(m_fixtures.path()));
+}
+
+QString DiskStoreLockTest::oldFile(const TestSettings &settings) const
+{
+    const QString name = u"Old file 3.bdl"_s;
+    const QString path = settings.filePath(name);
+    return QFile::copy(m_fixtures.filePath(name), path) ? path : QString();
+}
+
+void DiskStoreLockTest::patienceIsTenSecondsUnlessAnotherIsAskedFor()
+{
+    QCOMPARE(DiskStore::Source(u"a.bdl"_s).patienceMs, 10000);
+    QCOMPARE(DiskStore::Source(u"a.bdl"_s, 70).patienceMs, 70);
+}
 
 void DiskStoreLockTest::othersCanReadWhatIsSavedWhileWeWork()
 {
@@ -133,15 +174,15 @@ void DiskStoreLockTest::readerHeldDuringTheCommitLosesNothing()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
-    DiskStore store(path);
+    WaitLog log;
+    DiskStore store(path, log.factory());
     addEntry(store, rootId, u"new"_s, 0);
     const QSignalSpy errors(&store, &DiskStore::errorOccurred);
-    const OtherProcess reader(path, readLock, 8);
+    OtherProcess reader(path, readLock);
     QVERIFY(reader.isHolding());
-    QElapsedTimer time;
-    time.start();
+    log.endInPause(5, reader);
     QVERIFY(!fileError([&] { store.commitAndRestartTransaction(); }));
-    QVERIFY(time.elapsed() > 6000);
+    QCOMPARE(log.pauses, 5);
     QCOMPARE(errors.count(), 0);
     QCOMPARE(rows(path, texts), (QStringList{u"a.bdl"_s, u"new"_s}));
     // And the next transaction is there.
@@ -155,13 +196,17 @@ void DiskStoreLockTest::readerThatNeverLeavesMakesTheCommitFail()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     {
-        DiskStore store(path);
+        DiskStore store({path, shortPatienceMs});
         addEntry(store, rootId, u"new"_s, 0);
         const QSignalSpy errors(&store, &DiskStore::errorOccurred);
         OtherProcess reader(path, readLock);
         QVERIFY(reader.isHolding());
+        QElapsedTimer time;
+        time.start();
         const auto e = fileError([&] { store.commitAndRestartTransaction(); });
+        QVERIFY(time.elapsed() >= shortPatienceMs);
         QVERIFY(e);
+        QVERIFY(e->fileWasBusy);
         QCOMPARE(errors.count(), 1);
         QCOMPARE(e->details.split(u'\n'),
                  (QStringList{u"operation: committing SQL transaction before starting a new one"_s,
@@ -179,14 +224,13 @@ void DiskStoreLockTest::fileLockedForAWhileIsOpenedAfterIt()
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
     makeEmptyStore(path);
-    const OtherProcess other(path, wholeLock, 8);
+    OtherProcess other(path, wholeLock);
     QVERIFY(other.isHolding());
-    QElapsedTimer time;
-    time.start();
-    const auto e = openingError(path);
-    const QString details = e ? e->details : QString();
-    QVERIFY2(!e, qPrintable(u"after %1 ms: %2"_s.arg(time.elapsed()).arg(details)));
-    QVERIFY(time.elapsed() > 6000);
+    WaitLog log;
+    log.endInPause(5, other);
+    const auto e = fileError([&] { const DiskStore store(path, log.factory()); });
+    QVERIFY2(!e, qPrintable(e ? e->details : QString()));
+    QCOMPARE(log.pauses, 5);
 }
 
 void DiskStoreLockTest::lockedFileGivesAnErrorAndStaysAsItWas()
@@ -198,7 +242,7 @@ void DiskStoreLockTest::lockedFileGivesAnErrorAndStaysAsItWas()
     {
         const OtherProcess other(path, wholeLock);
         QVERIFY(other.isHolding());
-        const auto e = openingError(path);
+        const auto e = openingError({path, shortPatienceMs});
         QVERIFY(e);
         QCOMPARE(e->message, u"There was an error accessing file a.bdl."_s);
         QCOMPARE(detail(*e, u"operation"_s), u"checking for existence of 'meta' table (1)"_s);
@@ -212,13 +256,16 @@ void DiskStoreLockTest::writerOfAnotherProcessIsWaitedFor()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
-    DiskStore store(path);
+    WaitLog log;
+    DiskStore store(path, log.factory());
     const QSignalSpy errors(&store, &DiskStore::errorOccurred);
-    const OtherProcess writer(path, writeLock, 7);
+    OtherProcess writer(path, writeLock);
     QVERIFY(writer.isHolding());
+    log.endInPause(5, writer);
     // Nothing was read yet in this transaction, so the first write may wait.
     QVERIFY(!fileError([&] { store.updateEntryBody(rootId, u"typed"_s, true); }));
     QCOMPARE(errors.count(), 0);
+    QCOMPARE(log.pauses, 5);
     store.commitAndRestartTransaction();
     QCOMPARE(rows(path, texts), QStringList{u"typed"_s});
 }
@@ -297,7 +344,61 @@ void DiskStoreLockTest::keyTakenMeanwhileMovesToOurEntry()
     QCOMPARE(childTexts(store, rootId), QStringList{u"theirs@0"_s});
 }
 
-void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
+void DiskStoreLockTest::entryRemovedMeanwhileIsAnErrorAndNotALostChange_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<std::function<void(DiskStore &, long long)>>("action");
+    using Action = std::function<void(DiskStore &, long long)>;
+    const QString removed = u"There was an error: the entry was removed by another program."_s;
+    const QString parentRemoved
+        = u"There was an error: the parent of the entry was removed by another program."_s;
+    QTest::newRow("text") << removed << Action([](DiskStore &store, long long gone) {
+        store.updateEntryBody(gone, u"typed"_s, false);
+    });
+    QTest::newRow("state") << removed << Action([](DiskStore &store, long long gone) {
+        store.updateEntryState(gone, EntryState::Category, {});
+    });
+    QTest::newRow("place") << removed << Action([](DiskStore &store, long long gone) {
+        store.relocateEntryWithoutDeconfliction(gone, 9, rootId);
+    });
+    QTest::newRow("new child") << parentRemoved << Action([](DiskStore &store, long long gone) {
+        addEntry(store, gone, u"typed"_s, 0);
+    });
+    QTest::newRow("moved below it")
+        << parentRemoved << Action([](DiskStore &store, long long gone) {
+               store.relocateEntry(store.getEntryId(rootId, 1), 0, static_cast<int>(gone));
+           });
+    QTest::newRow("placed below it")
+        << parentRemoved << Action([](DiskStore &store, long long gone) {
+               store.relocateEntryWithoutDeconfliction(store.getEntryId(rootId, 1), 0,
+                                                       static_cast<int>(gone));
+           });
+}
+
+void DiskStoreLockTest::entryRemovedMeanwhileIsAnErrorAndNotALostChange()
+{
+    QFETCH(QString, message);
+    QFETCH(std::function<void(DiskStore &, long long)>, action);
+    const TestSettings settings;
+    const QString path = settings.filePath(u"a.bdl"_s);
+    DiskStore store(path);
+    const long long gone = addEntry(store, rootId, u"gone"_s, 0);
+    addEntry(store, rootId, u"other"_s, 1);
+    store.commitAndRestartTransaction();
+    QVERIFY(store.contains(gone));
+    const OtherProcess writer(path,
+                              {u"BEGIN IMMEDIATE"_s, u"DELETE FROM entry WHERE id=%1"_s.arg(gone),
+                               u"DELETE FROM entrybody WHERE docid=%1"_s.arg(gone)},
+                              0, u"COMMIT"_s);
+    QVERIFY(writer.isHolding());
+    const auto e = fileError([&] { action(store, gone); });
+    QVERIFY(e);
+    QCOMPARE(e->message, message);
+    QCOMPARE(e->details, path);
+    QVERIFY(!e->fileWasBusy);
+}
+
+void DiskStoreLockTest::writeLockIsLeftToOthersUntilTheFirstChange()
 {
     const TestSettings settings;
     const QString path = settings.filePath(u"a.bdl"_s);
@@ -310,11 +411,42 @@ void DiskStoreLockTest::readingLeavesTheFileToOtherWriters()
     QVERIFY(!canBeWrittenByOthers(path));
 }
 
+void DiskStoreLockTest::changeThatChangesNothingLeavesTheFileToOtherWriters_data()
+{
+    QTest::addColumn<std::function<void(DiskStore &)>>("action");
+    using Action = std::function<void(DiskStore &)>;
+    QTest::newRow("deleting an entry with children")
+        << Action([](DiskStore &store) { QVERIFY(!store.deleteEntry(rootId)); });
+    QTest::newRow("moving to the same place") << Action([](DiskStore &store) {
+        store.relocateEntry(store.getEntryId(rootId, 3), 3, DiskStore::keepParent);
+    });
+    QTest::newRow("making a free place free")
+        << Action([](DiskStore &store) { store.shiftEntrySequences(rootId, 7); });
+}
+
+void DiskStoreLockTest::changeThatChangesNothingLeavesTheFileToOtherWriters()
+{
+    QFETCH(std::function<void(DiskStore &)>, action);
+    const TestSettings settings;
+    const QString path = settings.filePath(u"a.bdl"_s);
+    DiskStore store(path);
+    addEntry(store, rootId, u"child"_s, 3);
+    store.commitAndRestartTransaction();
+    action(store);
+    QVERIFY(canBeWrittenByOthers(path));
+    // What is unsaved already stays, and others stay away from it.
+    store.updateEntryBody(rootId, u"unsaved"_s, true);
+    action(store);
+    QVERIFY(!canBeWrittenByOthers(path));
+    store.commitAndRestartTransaction();
+    QCOMPARE(rows(path, texts), (QStringList{u"unsaved"_s, u"child"_s}));
+}
+
 void DiskStoreLockTest::fileBusyAfterAnUpgradeIsCompactedLater()
 {
     const TestSettings settings;
-    QVERIFY(makeOldFiles(settings.filePath(QString())));
-    const QString path = settings.filePath(u"Old file 3.bdl"_s);
+    const QString path = oldFile(settings);
+    QVERIFY(!path.isEmpty());
     // Pages that only compacting gives back.
     QCOMPARE(change(path,
                     {u"CREATE TABLE large (content)"_s,
@@ -345,8 +477,8 @@ void DiskStoreLockTest::fileBusyAfterAnUpgradeIsCompactedLater()
 void DiskStoreLockTest::compactingThatStaysBusyDoesNotFailTheSaving()
 {
     const TestSettings settings;
-    QVERIFY(makeOldFiles(settings.filePath(QString())));
-    const QString path = settings.filePath(u"Old file 3.bdl"_s);
+    const QString path = oldFile(settings);
+    QVERIFY(!path.isEmpty());
     std::unique_ptr<OtherProcess> reader;
     const LineHook hook([&](const QString &line) {
         if (line.contains(u"compacting"_s))
@@ -460,6 +592,7 @@ void DiskStoreLockTest::fileReplacedDuringAWaitIsNotSavedIntoNowhere()
     const auto e = fileError([&] { store.commitAndRestartTransaction(); });
     QVERIFY(e);
     QVERIFY(e->message.contains(u"your changes could not be saved"_s));
+    QVERIFY(!e->fileWasBusy);
     QCOMPARE(store.getRootExcerpt(), u"unsaved"_s);
 }
 

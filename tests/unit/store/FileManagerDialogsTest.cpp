@@ -158,6 +158,7 @@ void FileManagerDialogsTest::creatingAnOpenFileIsRefusedAndKeepsIt_data()
     QTest::newRow("symbolic link") << u"link.bdl"_s;
     QTest::newRow("hard link") << u"hard.bdl"_s;
     QTest::newRow("doubled slash") << u".//open.bdl"_s;
+    QTest::newRow("what is to be saved in it") << u"open.bdl-journal"_s;
 }
 
 void FileManagerDialogsTest::creatingAnOpenFileIsRefusedAndKeepsIt()

@@ -293,7 +293,7 @@ void FileManagerLoadingTest::fileThatIsOnlyLockedIsReportedAndKept()
     OtherProcess other(p[0], {u"BEGIN EXCLUSIVE"_s});
     QVERIFY(other.isHolding());
     const BoxAnswers boxes({QMessageBox::Ok});
-    FileManager files;
+    FileManager files(shortPatienceMs);
     QCOMPARE(boxes.texts(),
              QStringList{u"There was an error accessing file a.bdl. This file will "
                          "be skipped."_s});
@@ -319,7 +319,7 @@ void FileManagerLoadingTest::incompatibleFileIsForgottenAlsoWhenItIsLocked()
     const OtherProcess other(path, {u"BEGIN IMMEDIATE"_s});
     QVERIFY(other.isHolding());
     const BoxAnswers boxes({QMessageBox::Ok});
-    const FileManager files;
+    const FileManager files(shortPatienceMs);
     QCOMPARE(boxes.seen().size(), 1);
     QVERIFY(boxes.texts().first().contains(u"incompatible"_s));
     QCOMPARE(storedFiles(), QStringList());

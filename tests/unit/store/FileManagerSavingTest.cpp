@@ -85,6 +85,7 @@ private slots:
     void savingWritesAllFilesAndEndsTheUnsavedTime();
     void changeAfterSavingStartsANewUnsavedTime();
     void fileThatFailsToSaveDoesNotKeepTheOthersFromIt();
+    void lockedFilesAreWaitedForTogether();
     void discardingRestoresAllFilesAndEndsTheUnsavedTime();
     void discardingIsAnnouncedEvenWithoutAFile();
     void discardIsAnnouncedAfterTheFilesAreRestored();
@@ -185,6 +186,32 @@ void FileManagerSavingTest::fileThatFailsToSaveDoesNotKeepTheOthersFromIt()
     QCOMPARE(unloaded.count(), 1);
     QCOMPARE(unloaded.first().first().toInt(), 1);
     QCOMPARE(desk.saved(1), u"1.bdl"_s);
+}
+
+void FileManagerSavingTest::lockedFilesAreWaitedForTogether()
+{
+    constexpr int patienceMs = 2 * shortPatienceMs;
+    const TestSettings settings;
+    const QStringList paths = makeFiles(settings, {u"a.bdl"_s, u"b.bdl"_s, u"c.bdl"_s});
+    FileManager files(patienceMs);
+    for (const QString &path : paths) {
+        files.openFile(path, files.getFileCount());
+        files.getFile(files.getFileCount() - 1)->updateEntryBody(rootId, u"typed"_s, true);
+    }
+    const QStringList readLock = {u"BEGIN"_s, u"SELECT * FROM entry"_s};
+    const OtherProcess first(paths[0], readLock);
+    const OtherProcess second(paths[1], readLock);
+    QVERIFY(first.isHolding() && second.isHolding());
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(!files.commitAndRestartTransactions());
+    QVERIFY(time.elapsed() >= patienceMs);
+    QVERIFY2(time.elapsed() < 2 * patienceMs, qPrintable(QString::number(time.elapsed())));
+    QCOMPARE(rows(paths[2], u"SELECT content FROM entrybody"_s), QStringList{u"typed"_s});
+    const BoxAnswers boxes({QMessageBox::Ok, QMessageBox::Ok});
+    files.handlePendingFileErrors();
+    QCOMPARE(names(files), QStringList{u"c.bdl"_s});
+    QCOMPARE(boxes.seen().size(), 2);
 }
 
 void FileManagerSavingTest::discardingRestoresAllFilesAndEndsTheUnsavedTime()

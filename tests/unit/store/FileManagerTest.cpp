@@ -36,7 +36,7 @@ private slots:
     void movingAnIndexThatDoesNotExistDoesNothing();
     void shortcutKeysAreFoundInAllFilesInTheirOrder();
     void nothingSelectedNeedsNoFurtherWorkAndNoMessage();
-    void alreadyOpenFileIsKnownUnderEverySpelling();
+    void alreadyOpenFileIsKnownUnderEverySpellingAndByWhatBelongsToIt();
     void commandLineFilesAreAppendedAndOpenOnesSkipped();
     void commandLineFileThatIsMissingIsReported();
     void rootBodyChangesAreForwarded();
@@ -260,7 +260,7 @@ void FileManagerTest::nothingSelectedNeedsNoFurtherWorkAndNoMessage()
     QCOMPARE(boxes.texts(), QStringList());
 }
 
-void FileManagerTest::alreadyOpenFileIsKnownUnderEverySpelling()
+void FileManagerTest::alreadyOpenFileIsKnownUnderEverySpellingAndByWhatBelongsToIt()
 {
     const TestSettings settings;
     const QString path = makeFiles(settings, {u"a.bdl"_s}).first();
@@ -271,7 +271,8 @@ void FileManagerTest::alreadyOpenFileIsKnownUnderEverySpelling()
     for (const QString &spelling :
          {path, settings.filePath(QString()) + u"//a.bdl"_s, settings.filePath(u"./a.bdl"_s),
           QDir::current().relativeFilePath(path), settings.filePath(u"link.bdl"_s),
-          settings.filePath(u"hard.bdl"_s)}) {
+          settings.filePath(u"hard.bdl"_s), path + u"-journal"_s, path + u"-wal"_s,
+          path + u"-shm"_s, settings.filePath(u"./a.bdl-journal"_s)}) {
         const BoxAnswers boxes({QMessageBox::Ok});
         QVERIFY2(files.noFileSelectedOrFileAlreadyOpen(spelling), qPrintable(spelling));
         QCOMPARE(boxes.texts(), QStringList{u"That file is already open."_s});

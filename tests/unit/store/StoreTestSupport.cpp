@@ -241,9 +241,9 @@ std::optional<DiskStore::FileException> StoreTest::fileError(const std::function
     return std::nullopt;
 }
 
-std::optional<DiskStore::FileException> StoreTest::openingError(const QString &path)
+std::optional<DiskStore::FileException> StoreTest::openingError(const DiskStore::Source &source)
 {
-    return fileError([&path] { const DiskStore store(path); });
+    return fileError([&source] { const DiskStore store(source); });
 }
 
 QString StoreTest::bareText(const std::function<void()> &action)

@@ -18,6 +18,9 @@ class TestSettings;
 namespace StoreTest
 {
 
+/// For stores that wait in vain.
+constexpr int shortPatienceMs = 1000;
+
 /// Writes the files of tests/fixtures/make-old-files into \a folder. \return false when that fails.
 bool makeOldFiles(const QString &folder);
 /// The whole content of the file at \a path as tests/fixtures/dump-file prints it.
@@ -63,8 +66,8 @@ long long addEntry(DiskStore &store, long long parentId, const QString &text, in
 
 /// The file error that \a action throws; nothing when it throws none.
 std::optional<DiskStore::FileException> fileError(const std::function<void()> &action);
-/// The file error of opening \a path.
-std::optional<DiskStore::FileException> openingError(const QString &path);
+/// The file error of opening \a source.
+std::optional<DiskStore::FileException> openingError(const DiskStore::Source &source);
 /// The bare text that \a action throws; null when it throws none.
 QString bareText(const std::function<void()> &action);
 /// One of the seven lines of technical details, without its label.
