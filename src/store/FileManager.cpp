@@ -60,18 +60,18 @@ bool FileManager::isOpen(const QString &path) const
     });
 }
 
-void FileManager::openFileInner(const QString &filePath, int index)
+void FileManager::openFileInner(const QString &path, int index)
 {
-    const DiskStore::Source path(filePath, m_patienceMs);
     auto store = std::make_unique<DiskStore>(
-        path, [this](const QString &name) -> std::unique_ptr<FileWait> {
+        DiskStore::Source(path, m_patienceMs),
+        [this](const QString &name) -> std::unique_ptr<FileWait> {
             return m_waitsInSilence ? nullptr : std::make_unique<WaitNotice>(name);
         });
     try {
         store->getRootExcerpt();
     } catch (const char *text) {
         // Every reader of the file relies on the root entry.
-        store->throwMessageAndEmit(QString::fromLatin1(text), filePath);
+        store->throwMessageAndEmit(QString::fromLatin1(text), path);
     }
     connectStore(store.get());
     const int slot = std::clamp(index, 0, getFileCount());
