@@ -14,8 +14,8 @@ public:
     static constexpr qsizetype longestPage = 64 * 1024; ///< Characters.
     static constexpr int longestWord = 200; ///< Characters between two places to break a line.
     static constexpr int mostElements = 1000;
-    static constexpr int mostCells = 400; ///< Of all tables together, each as often as it spans.
-    static constexpr int mostColumns = 30; ///< Of one row, spans included.
+    static constexpr int mostCells = 400; ///< Of all tables together, as wide as their widest rows.
+    static constexpr int mostColumns = 30; ///< Of one row, spans and what reaches down included.
     static constexpr int deepestNesting = 16;
     static constexpr int deepestTables = 2;
     static constexpr int deepestIndentation = 6; ///< Lists and quotations within each other.

@@ -4,7 +4,6 @@
 #include "ui/AnnouncementPage.h"
 #include "ui/MarkupAttributes.h"
 
-#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 #include <algorithm>
@@ -57,6 +56,28 @@ int spanOf(const QList<MarkupReader::Attribute> &attributes, QLatin1StringView n
     return 1;
 }
 } // namespace
+
+void MarkupWriter::Grid::beginRow()
+{
+    ++m_rows;
+    m_width = 0;
+    m_spans.removeIf([this](const Span &span) { return span.lastRow < m_rows; });
+    for (const Span &span : m_spans)
+        m_width += span.columns;
+}
+
+void MarkupWriter::Grid::addCell(int columns, int rows)
+{
+    if (rows > 1)
+        m_spans << Span{columns, m_rows + rows - 1};
+    m_width += columns;
+    m_widest = std::max(m_widest, m_width);
+}
+
+int MarkupWriter::Grid::cells() const
+{
+    return m_rows * m_widest;
+}
 
 bool MarkupWriter::add(const MarkupReader::Token &token)
 {
@@ -162,8 +183,6 @@ bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
         return false;
     if (++m_elements > AnnouncementPage::mostElements)
         return false;
-    if (cells.contains(tag.text) && !countCell(tag.attributes))
-        return false;
     m_html += u'<' + tag.text;
     QSet<QString> seen;
     for (const MarkupReader::Attribute &attribute : tag.attributes) {
@@ -178,21 +197,26 @@ bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
         return true;
     m_open << tag.text;
     if (tag.text == "table"_L1)
-        m_columns << 0;
+        m_grids << Grid();
     else if (tag.text == "tr"_L1)
-        m_columns.last() = 0;
-    return m_open.size() <= AnnouncementPage::deepestNesting
+        m_grids.last().beginRow();
+    else if (cells.contains(tag.text))
+        m_grids.last().addCell(spanOf(tag.attributes, "colspan"_L1),
+                               spanOf(tag.attributes, "rowspan"_L1));
+    return areTablesWithinBounds() && m_open.size() <= AnnouncementPage::deepestNesting
         && openCount(tables) <= AnnouncementPage::deepestTables
         && openCount(indented) <= AnnouncementPage::deepestIndentation;
 }
 
-bool MarkupWriter::countCell(const QList<MarkupReader::Attribute> &attributes)
+bool MarkupWriter::areTablesWithinBounds() const
 {
-    const int columns = spanOf(attributes, "colspan"_L1);
-    m_columns.last() += columns;
-    m_cells += columns * spanOf(attributes, "rowspan"_L1);
-    return m_columns.last() <= AnnouncementPage::mostColumns
-        && m_cells <= AnnouncementPage::mostCells;
+    int count = m_cells;
+    for (const Grid &grid : m_grids) {
+        if (grid.width() > AnnouncementPage::mostColumns)
+            return false;
+        count += grid.cells();
+    }
+    return count <= AnnouncementPage::mostCells;
 }
 
 void MarkupWriter::end(const QString &element)
@@ -246,7 +270,7 @@ void MarkupWriter::endLast()
     if (isBlock(element))
         m_wordLength = 0;
     if (element == "table"_L1)
-        m_columns.removeLast();
+        m_cells += m_grids.takeLast().cells();
 }
 
 /// Rows and cells stand in tables only, items in lists; elsewhere their tags mean nothing.

@@ -62,6 +62,10 @@ void AnnouncementPageTest::aPageWithinTheBoundsKeepsItsMarkup_data()
     QTest::newRow("link") << u"<a href=\"https://brindle.example/?a=b&amp;c=1234567\">link</a>"_s;
     QTest::newRow("table") << u"<table border=\"1\" cellpadding=\"3\" width=\"100%\"><tr><th "
                               u"colspan=\"2\">a</th></tr><tr><td>b</td><td>c</td></tr></table>"_s;
+    QTest::newRow("cells over several rows")
+        << u"<table><tr><td colspan=\"20\" rowspan=\"2\">a</td><td "
+           u"colspan=\"10\">b</td></tr><tr><td "
+           "colspan=\"10\">c</td></tr><tr><td colspan=\"30\">d</td></tr></table>"_s;
     QTest::newRow("lists") << u"<ol start=\"3\"><li>a<ul><li>b</li></ul></li></ol>"_s;
     QTest::newRow("style")
         << u"<p style=\"font-size:14pt;color:#ff0000;margin-left:40px;\">x</p>"_s;
@@ -160,6 +164,15 @@ void AnnouncementPageTest::aPageBeyondABoundIsPlainText_data()
     row("many cells", u"<table>"_s + u"<tr><td>x<td>x"_s.repeated(1000));
     row("many columns", u"<table><tr>"_s + u"<td>x"_s.repeated(100));
     row("spans that add up", u"<table>"_s + u"<tr><td colspan=20 rowspan=15>x"_s.repeated(20));
+    row("a wide row above many empty ones",
+        u"<table><tr><td colspan=30>x"_s + u"<tr>"_s.repeated(990));
+    row("empty rows above a wide one",
+        u"<table>"_s + u"<tr>"_s.repeated(990) + u"<tr><td colspan=30>x"_s);
+    row("columns carried down by rows above",
+        u"<table><tr><td colspan=20 rowspan=5>x<tr><td colspan=30 rowspan=4>x"
+        "<tr><td colspan=30 rowspan=3>x<tr><td colspan=30 rowspan=2>x<tr><td colspan=30>x"_s);
+    row("many tables of empty rows",
+        (u"<table><tr><td colspan=30>x"_s + u"<tr>"_s.repeated(10) + u"</table>"_s).repeated(10));
     row("many nested quotations", u"<blockquote>"_s.repeated(100));
     row("many nested lists", u"<ul><li>"_s.repeated(100));
     row("many nested divisions", u"<div>"_s.repeated(2000));
