@@ -33,7 +33,8 @@ public:
     /// The page in markup that is balanced, refers to no picture, style sheet or other file, and
     /// stays within the bounds; nothing when the page exceeds one or holds "data:" in an address.
     std::optional<QString> html() const { return m_html; }
-    /// The page's source, cut and its words broken so that it stays within the bounds.
+    /// The page's source with line feeds for all its line breaks, cut and its words broken so that
+    /// it stays within the bounds.
     QString plainText() const;
 
 private:

@@ -103,13 +103,11 @@ QString MarkupWriter::finish()
 bool MarkupWriter::addText(const QString &text)
 {
     static const QRegularExpression reference(u"&[a-zA-Z][a-zA-Z0-9]{1,9};"_s);
-    m_lines += static_cast<int>(text.count(u'\n'));
     for (const QChar character : text) {
         if (character == u'&' || character == u'<' || character == u'>')
             ++m_references;
     }
-    if (m_references > AnnouncementPage::mostCharacterReferences
-        || m_lines > AnnouncementPage::mostLines)
+    if (m_references > AnnouncementPage::mostCharacterReferences)
         return false;
     const QString decoded = MarkupAttributes::decoded(text);
     // Only blanks can stand between the rows of a table without upsetting its layout.
@@ -139,6 +137,8 @@ bool MarkupWriter::write(char32_t character)
         character = U'\n';
     if (!isForText(character))
         return true;
+    if (character == U'\n' && ++m_lines > AnnouncementPage::mostLines)
+        return false;
     if (character == U' ' || character == U'\n' || character == U'\t')
         m_wordLength = 0;
     else if (++m_wordLength > AnnouncementPage::longestWord)

@@ -178,6 +178,16 @@ void AnnouncementPageTest::aPageBeyondABoundIsPlainText_data()
     row("many nested divisions", u"<div>"_s.repeated(2000));
     row("many nested fonts", u"<font size=+1>"_s.repeated(2000));
     row("many lines", u"\n"_s.repeated(60'000));
+    row("many carriage returns", u"\r"_s.repeated(60'000));
+    row("many lines of carriage returns and line feeds", u"\r\n"_s.repeated(30'000));
+    row("many lines, many of them by references",
+        u"\n"_s.repeated(1500) + u"&#10;&#xD;"_s.repeated(400));
+    row("many pictures with lines for words",
+        (u"<img alt=\""_s + u"\r"_s.repeated(500) + u"\">"_s).repeated(20));
+    row("carriage returns in a page beyond the bounds",
+        u"<img width=1e9>"_s + u"a\r"_s.repeated(5000));
+    row("separators in a page beyond the bounds",
+        u"<img width=1e9>"_s + u"a\u2028b\u2029c\ufdd0d\ufdd1"_s.repeated(2000));
     row("many ampersands", u"& "_s.repeated(30'000));
     row("many references", u"&eacute; "_s.repeated(5000));
     row("text among the rows", u"<table>text<tr><td>a</table>"_s);
@@ -231,6 +241,8 @@ void AnnouncementPageTest::aPageRightAtABoundIsHtml_data()
     rows("word", repeated(u"w"_s), Page::longestWord);
     rows("elements", repeated(u"<hr>"_s), Page::mostElements);
     rows("lines", repeated(u"\n"_s), Page::mostLines);
+    rows("lines of carriage returns", repeated(u"\r"_s), Page::mostLines);
+    rows("lines of both", repeated(u"\r\n"_s), Page::mostLines);
     rows("references", repeated(u"&eacute; "_s), Page::mostCharacterReferences);
     rows("nesting", repeated(u"<div>"_s), Page::deepestNesting);
     rows("indentation", repeated(u"<blockquote>"_s), Page::deepestIndentation);
@@ -268,6 +280,8 @@ void AnnouncementPageTest::plainTextIsTheSource()
     QCOMPARE(AnnouncementPage(page).plainText(), page);
     const QString word(AnnouncementPage::longestWord, u'w');
     QCOMPARE(AnnouncementPage(word + word).plainText(), word + u'\n' + word);
+    QCOMPARE(AnnouncementPage(page + u"\r\na\rb\u2028c\u2029d\ufdd0e\ufdd1f"_s).plainText(),
+             page + u"\na\nb\nc\nd\ne\nf"_s);
     QVERIFY(AnnouncementPage(QString(100'000, u'w')).plainText().endsWith(u"w\n..."_s));
 }
 
