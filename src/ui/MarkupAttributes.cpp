@@ -119,6 +119,14 @@ bool holdsSmallNumbers(const QString &name, QString value)
     return true;
 }
 
+/// Whether numbers in the attribute called \a name could reach the layout.
+bool isMeasure(const QString &name)
+{
+    static const QSet<QString> neverWritten{u"height"_s, u"hspace"_s, u"vspace"_s};
+    const bool isColor = name.endsWith("color"_L1);
+    return neverWritten.contains(name) || (attributePatterns().contains(name) && !isColor);
+}
+
 QString withoutSpace(const QString &text)
 {
     QString result;
@@ -187,9 +195,6 @@ QString MarkupAttributes::decoded(const QString &text)
 
 bool MarkupAttributes::isWithinBounds(const MarkupReader::Attribute &attribute)
 {
-    static const QSet<QString> words{u"href"_s,    u"src"_s,  u"background"_s, u"alt"_s,
-                                     u"title"_s,   u"id"_s,   u"name"_s,       u"class"_s,
-                                     u"content"_s, u"face"_s, u"color"_s,      u"bgcolor"_s};
     const QString value = decoded(attribute.value);
     if (withoutSpace(value).startsWith("data:"_L1))
         return false;
@@ -202,7 +207,7 @@ bool MarkupAttributes::isWithinBounds(const MarkupReader::Attribute &attribute)
         }
         return true;
     }
-    return words.contains(attribute.name) || holdsSmallNumbers(attribute.name, value);
+    return !isMeasure(attribute.name) || holdsSmallNumbers(attribute.name, value);
 }
 
 QString MarkupAttributes::written(const QString &element, const MarkupReader::Attribute &attribute)

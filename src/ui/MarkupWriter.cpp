@@ -16,6 +16,8 @@ const QStringList tables{u"table"_s};
 const QStringList rowHolders{u"table"_s, u"thead"_s, u"tbody"_s, u"tfoot"_s};
 const QStringList rowGroups{u"thead"_s, u"tbody"_s, u"tfoot"_s};
 const QStringList cells{u"td"_s, u"th"_s};
+const QStringList captions{u"caption"_s};
+const QStringList textHoldersOfTables = cells + captions;
 const QStringList lists{u"ul"_s, u"ol"_s};
 const QStringList indented{u"ul"_s, u"ol"_s, u"dl"_s, u"blockquote"_s};
 const QStringList withoutContent{u"br"_s, u"hr"_s};
@@ -34,7 +36,8 @@ bool isBlock(const QString &element)
     static const QSet<QString> known{
         u"p"_s,   u"div"_s,     u"center"_s, u"h1"_s, u"h2"_s, u"h3"_s, u"h4"_s, u"h5"_s, u"h6"_s,
         u"pre"_s, u"address"_s, u"hr"_s,     u"li"_s, u"dt"_s, u"dd"_s, u"tr"_s, u"td"_s, u"th"_s};
-    return known.contains(element) || indented.contains(element) || rowHolders.contains(element);
+    return known.contains(element) || indented.contains(element) || rowHolders.contains(element)
+        || captions.contains(element);
 }
 
 /// Characters that the toolkit's documents keep for themselves, and those that stand for nothing.
@@ -45,6 +48,12 @@ bool isForText(char32_t character)
         || character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
     return !isControl && !isKept && character <= QChar::LastValidCodePoint
         && !QChar::isSurrogate(character) && !QChar::isNonCharacter(character);
+}
+
+/// The toolkit knows no captions: text in a table, but in none of its cells, upsets its layout.
+QString writtenName(const QString &element)
+{
+    return captions.contains(element) ? u"div"_s : element;
 }
 
 int spanOf(const QList<MarkupReader::Attribute> &attributes, QLatin1StringView name)
@@ -178,12 +187,14 @@ bool MarkupWriter::addPictureText(const MarkupReader::Token &tag)
 
 bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
 {
-    if (isAmongRows() && !cells.contains(tag.text) && !rowHolders.contains(tag.text)
+    if (isAmongRows() && !textHoldersOfTables.contains(tag.text) && !rowHolders.contains(tag.text)
         && tag.text != "tr"_L1)
         return false;
     if (++m_elements > AnnouncementPage::mostElements)
         return false;
-    m_html += u'<' + tag.text;
+    if (captions.contains(tag.text))
+        beginCaption();
+    m_html += u'<' + writtenName(tag.text);
     QSet<QString> seen;
     for (const MarkupReader::Attribute &attribute : tag.attributes) {
         if (!seen.contains(attribute.name))
@@ -208,6 +219,14 @@ bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
         && openCount(indented) <= AnnouncementPage::deepestIndentation;
 }
 
+/// What a caption says is written above its table, which hasn't a row yet.
+void MarkupWriter::beginCaption()
+{
+    const qsizetype table = m_html.lastIndexOf("<table"_L1);
+    m_captioned << m_html.mid(table);
+    m_html.truncate(table);
+}
+
 bool MarkupWriter::areTablesWithinBounds() const
 {
     int count = m_cells;
@@ -221,10 +240,13 @@ bool MarkupWriter::areTablesWithinBounds() const
 
 void MarkupWriter::end(const QString &element)
 {
-    // An end tag reaches out of no cell, but for those of the table itself.
-    const bool isOfTable
-        = cells.contains(element) || rowHolders.contains(element) || element == "tr"_L1;
-    endNearest({element}, element == "table"_L1 ? QStringList() : isOfTable ? tables : cells);
+    // An end tag reaches out of no cell or caption, but for those of the table itself.
+    const bool isOfTable = textHoldersOfTables.contains(element) || rowHolders.contains(element)
+        || element == "tr"_L1;
+    endNearest({element},
+               element == "table"_L1 ? QStringList()
+                   : isOfTable       ? tables
+                                     : textHoldersOfTables);
 }
 
 /// Many end tags may be left out: the next element of the kind says that the last one is over.
@@ -232,6 +254,8 @@ void MarkupWriter::endWhatCannotHold(const QString &element)
 {
     if (isInline(element))
         return;
+    if (captions.contains(element) || element == "tr"_L1 || rowGroups.contains(element))
+        endNearest(captions, tables);
     if (cells.contains(element)) {
         endNearest(cells, tables);
     } else if (element == "tr"_L1) {
@@ -239,13 +263,14 @@ void MarkupWriter::endWhatCannotHold(const QString &element)
     } else if (rowGroups.contains(element)) {
         endNearest(rowGroups, tables);
         endNearest({u"tr"_s}, tables);
-    } else {
-        endNearest({u"p"_s}, cells + indented + QStringList{u"li"_s, u"dd"_s, u"div"_s});
+    } else if (!captions.contains(element)) {
+        endNearest({u"p"_s},
+                   textHoldersOfTables + indented + QStringList{u"li"_s, u"dd"_s, u"div"_s});
     }
     if (element == "li"_L1)
-        endNearest({u"li"_s}, lists + cells);
+        endNearest({u"li"_s}, lists + textHoldersOfTables);
     else if (element == "dt"_L1 || element == "dd"_L1)
-        endNearest({u"dt"_s, u"dd"_s}, QStringList{u"dl"_s} + cells);
+        endNearest({u"dt"_s, u"dd"_s}, QStringList{u"dl"_s} + textHoldersOfTables);
 }
 
 /// Ends the innermost open one of \a elements, with all that is inside, unless one of \a within
@@ -266,7 +291,9 @@ void MarkupWriter::endNearest(const QStringList &elements, const QStringList &wi
 void MarkupWriter::endLast()
 {
     const QString element = m_open.takeLast();
-    m_html += u"</"_s + element + u'>';
+    m_html += u"</"_s + writtenName(element) + u'>';
+    if (captions.contains(element))
+        m_html += m_captioned.takeLast();
     if (isBlock(element))
         m_wordLength = 0;
     if (element == "table"_L1)
@@ -279,6 +306,8 @@ bool MarkupWriter::mayStandHere(const QString &element) const
     const QString holder = m_open.isEmpty() ? QString() : m_open.last();
     if (cells.contains(element))
         return holder == "tr"_L1;
+    if (captions.contains(element))
+        return holder == "table"_L1 && !m_grids.last().hasRows();
     if (element == "tr"_L1)
         return rowHolders.contains(holder);
     if (rowGroups.contains(element))

@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /// Writes the page of an announcement anew out of its tokens: only elements, attributes and styles
 /// that are known to be harmless, always balanced. It says when the page exceeds a bound of
@@ -24,6 +25,7 @@ private:
     public:
         void beginRow();
         void addCell(int columns, int rows);
+        bool hasRows() const { return m_rows > 0; }
         int width() const { return m_width; } ///< Columns of the last row.
         int cells() const;
 
@@ -48,6 +50,7 @@ private:
     void endWhatCannotHold(const QString &element);
     void endNearest(const QStringList &elements, const QStringList &within);
     void endLast();
+    void beginCaption();
     bool write(char32_t character);
     bool mayStandHere(const QString &element) const;
     bool isAmongRows() const;
@@ -55,6 +58,7 @@ private:
 
     QString m_html;
     QStringList m_open; ///< Elements, the outermost first.
+    QStringList m_captioned; ///< Beginnings of tables whose captions are open.
     QList<Grid> m_grids; ///< Of the open tables.
     int m_elements = 0;
     int m_cells = 0; ///< Of the tables that have ended.

@@ -122,6 +122,25 @@ void AnnouncementPageTest::whatIsUnknownOrMeansNothingHereIsLeftOut_data()
         << u"<p style=\"background-image:url(x.png);color:red\">a</p>"_s
         << u"<p style=\"color:red;\">a</p>"_s;
     QTest::newRow("handler") << u"<p onclick=\"x()\">a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("handler with a number") << u"<p onclick=\"f(5000)\">a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("encoding") << u"<meta charset=\"iso-8859-1\">a"_s << u"a"_s;
+    QTest::newRow("date") << u"<time datetime=\"2026-11-21\">a</time>"_s << u"a"_s;
+    QTest::newRow("number of a script's own") << u"<p data-id=12345>a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("caption")
+        << u"<table border=\"1\"><caption align=center>all <b>of</b> it</caption>"
+           "<tr><td>a</table>b"_s
+        << u"<div align=\"center\">all <b>of</b> it</div>"
+           "<table border=\"1\"><tr><td>a</td></tr></table>b"_s;
+    QTest::newRow("caption without end")
+        << u"<div><table><caption>a</div><p>b<tr><td>c</table>"_s
+        << u"<div><div>a<p>b</p></div><table><tr><td>c</td></tr></table></div>"_s;
+    QTest::newRow("captions within each other")
+        << u"<table><caption>a<table><caption>b</table>c<tbody><tr><td>d"_s
+        << u"<div>a<div>b</div><table></table>c</div>"
+           "<table><tbody><tr><td>d</td></tr></tbody></table>"_s;
+    QTest::newRow("two captions")
+        << u"<table><caption>a<caption>b<tr><td>c"_s
+        << u"<div>a</div><div>b</div><table><tr><td>c</td></tr></table>"_s;
     QTest::newRow("cell outside a table") << u"<td>a</td><li>b"_s << u"ab"_s;
     QTest::newRow("tag without end") << u"a <table border"_s << u"a &lt;table border"_s;
     QTest::newRow("no tag at all") << u"1 < 2 > <3"_s << u"1 &lt; 2 &gt; &lt;3"_s;
@@ -191,6 +210,11 @@ void AnnouncementPageTest::aPageBeyondABoundIsPlainText_data()
     row("many ampersands", u"& "_s.repeated(30'000));
     row("many references", u"&eacute; "_s.repeated(5000));
     row("text among the rows", u"<table>text<tr><td>a</table>"_s);
+    row("a caption below a row",
+        u"<table><tr><td>a</tr><caption>text</caption><tr><td>b</table>"_s);
+    row("many captions", u"<table><caption>a"_s.repeated(600));
+    row("a cell as high as a tower", u"<table><tr><td height=1000000>x"_s);
+    row("a picture's distance", u"<img hspace=1000000 vspace=1000000>"_s);
     row("wide", u"<table width=1000000><tr><td>x"_s);
     row("wide in other letters", u"<TABLE WIDTH=1000000><tr><td>x"_s);
     row("wide without blanks between", u"<hr/width=\"1000000\"/>"_s);
