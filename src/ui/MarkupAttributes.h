@@ -4,7 +4,6 @@
 #include "ui/MarkupReader.h"
 
 #include <QString>
-#include <optional>
 
 /// The attributes of a page from the network, judged one by one.
 namespace MarkupAttributes
