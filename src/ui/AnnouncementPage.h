@@ -13,6 +13,7 @@ public:
     /// What a page may hold at most.
     static constexpr qsizetype longestPage = 64 * 1024; ///< Characters.
     static constexpr int longestWord = 200; ///< Characters between two places to break a line.
+    static constexpr int longestPreformattedLine = 500; ///< Characters; no blank breaks it.
     static constexpr int mostElements = 1000;
     static constexpr int mostCells = 400; ///< Of all tables together, as wide as their widest rows.
     static constexpr int mostColumns = 30; ///< Of one row, spans and what reaches down included.

@@ -20,6 +20,7 @@ const QStringList captions{u"caption"_s};
 const QStringList textHoldersOfTables = cells + captions;
 const QStringList lists{u"ul"_s, u"ol"_s};
 const QStringList indented{u"ul"_s, u"ol"_s, u"dl"_s, u"blockquote"_s};
+const QStringList preformatted{u"pre"_s};
 const QStringList withoutContent{u"br"_s, u"hr"_s};
 
 bool isInline(const QString &element)
@@ -130,7 +131,7 @@ bool MarkupWriter::addText(const QString &text)
                 = reference.match(decoded, position, QRegularExpression::NormalMatch,
                                   QRegularExpression::AnchorAtOffsetMatchOption);
             m_html += match.hasMatch() ? u"&"_s : u"&amp;"_s;
-            if (++m_wordLength > AnnouncementPage::longestWord)
+            if (!measure(character))
                 return false;
         } else if (!write(character)) {
             return false;
@@ -146,11 +147,7 @@ bool MarkupWriter::write(char32_t character)
         character = U'\n';
     if (!isForText(character))
         return true;
-    if (character == U'\n' && ++m_lines > AnnouncementPage::mostLines)
-        return false;
-    if (character == U' ' || character == U'\n' || character == U'\t')
-        m_wordLength = 0;
-    else if (++m_wordLength > AnnouncementPage::longestWord)
+    if (!measure(character))
         return false;
     if (character == U'<')
         m_html += u"&lt;"_s;
@@ -159,6 +156,28 @@ bool MarkupWriter::write(char32_t character)
     else
         m_html += QString::fromUcs4(&character, 1);
     return true;
+}
+
+/// Whether the lines, and what can't be broken into several, stay short with \a character.
+bool MarkupWriter::measure(char32_t character)
+{
+    constexpr int tabLength = 10;
+    if (character == U'\n') {
+        beginLine();
+        return ++m_lines <= AnnouncementPage::mostLines;
+    }
+    const bool isBlank = character == U' ' || character == U'\t';
+    m_wordLength = isBlank ? 0 : m_wordLength + 1;
+    if (openCount(preformatted) > 0)
+        m_preformattedLength += character == U'\t' ? tabLength : 1;
+    return m_wordLength <= AnnouncementPage::longestWord
+        && m_preformattedLength <= AnnouncementPage::longestPreformattedLine;
+}
+
+void MarkupWriter::beginLine()
+{
+    m_wordLength = 0;
+    m_preformattedLength = 0;
 }
 
 bool MarkupWriter::begin(const MarkupReader::Token &tag)
@@ -203,7 +222,7 @@ bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
     }
     m_html += u'>';
     if (isBlock(tag.text) || tag.text == "br"_L1)
-        m_wordLength = 0;
+        beginLine();
     if (withoutContent.contains(tag.text))
         return true;
     m_open << tag.text;
@@ -295,7 +314,7 @@ void MarkupWriter::endLast()
     if (captions.contains(element))
         m_html += m_captioned.takeLast();
     if (isBlock(element))
-        m_wordLength = 0;
+        beginLine();
     if (element == "table"_L1)
         m_cells += m_grids.takeLast().cells();
 }

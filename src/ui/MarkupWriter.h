@@ -52,6 +52,8 @@ private:
     void endLast();
     void beginCaption();
     bool write(char32_t character);
+    bool measure(char32_t character);
+    void beginLine();
     bool mayStandHere(const QString &element) const;
     bool isAmongRows() const;
     int openCount(const QStringList &elements) const;
@@ -65,4 +67,5 @@ private:
     int m_references = 0; ///< Also those that are written for what would be markup.
     int m_lines = 0;
     int m_wordLength = 0;
+    int m_preformattedLength = 0;
 };

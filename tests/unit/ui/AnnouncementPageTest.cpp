@@ -69,6 +69,9 @@ void AnnouncementPageTest::aPageWithinTheBoundsKeepsItsMarkup_data()
     QTest::newRow("lists") << u"<ol start=\"3\"><li>a<ul><li>b</li></ul></li></ol>"_s;
     QTest::newRow("style")
         << u"<p style=\"font-size:14pt;color:#ff0000;margin-left:40px;\">x</p>"_s;
+    QTest::newRow("preformatted") << u"<pre>"_s + (u"word "_s.repeated(90) + u'\n').repeated(9)
+            + (u"word "_s.repeated(90) + u"<br>"_s).repeated(9) + u"</pre>"_s
+            + u"word "_s.repeated(1000) + u"<pre>word</pre>"_s;
     QTest::newRow("entities") << u"a &amp; b &lt; c &eacute;&nbsp;d"_s;
 }
 
@@ -192,6 +195,12 @@ void AnnouncementPageTest::aPageBeyondABoundIsPlainText_data()
         "<tr><td colspan=30 rowspan=3>x<tr><td colspan=30 rowspan=2>x<tr><td colspan=30>x"_s);
     row("many tables of empty rows",
         (u"<table><tr><td colspan=30>x"_s + u"<tr>"_s.repeated(10) + u"</table>"_s).repeated(10));
+    row("a long preformatted line", u"<pre>"_s + u"word "_s.repeated(1000));
+    row("a long preformatted line in pieces",
+        u"<pre>"_s + u"<b>word <i> </i></b>&eacute; "_s.repeated(200));
+    row("a long preformatted line of tabulators", u"<pre>"_s + u"\t"_s.repeated(100));
+    row("a long preformatted line in a table",
+        u"<pre><table><tr><td>"_s + u"word "_s.repeated(200));
     row("many nested quotations", u"<blockquote>"_s.repeated(100));
     row("many nested lists", u"<ul><li>"_s.repeated(100));
     row("many nested divisions", u"<div>"_s.repeated(2000));
@@ -263,6 +272,10 @@ void AnnouncementPageTest::aPageRightAtABoundIsHtml_data()
         "characters", [](int count) { return u"a "_s.repeated(count).left(count); },
         Page::longestPage);
     rows("word", repeated(u"w"_s), Page::longestWord);
+    rows(
+        "preformatted line",
+        [](int count) { return u"<pre>"_s + u"a "_s.repeated(count).left(count); },
+        Page::longestPreformattedLine);
     rows("elements", repeated(u"<hr>"_s), Page::mostElements);
     rows("lines", repeated(u"\n"_s), Page::mostLines);
     rows("lines of carriage returns", repeated(u"\r"_s), Page::mostLines);
