@@ -15,7 +15,7 @@ public:
     static constexpr int longestWord = 200; ///< Characters between two places to break a line.
     static constexpr int longestPreformattedLine = 500; ///< Characters; no blank breaks it.
     static constexpr int mostElements = 1000;
-    static constexpr int mostCells = 400; ///< Of all tables together, as wide as their widest rows.
+    static constexpr int mostCells = 800; ///< Of all tables together, as wide as their widest rows.
     static constexpr int mostColumns = 30; ///< Of one row, spans and what reaches down included.
     static constexpr int deepestNesting = 16;
     static constexpr int deepestTables = 2;

@@ -66,6 +66,8 @@ void AnnouncementPageTest::aPageWithinTheBoundsKeepsItsMarkup_data()
         << u"<table><tr><td colspan=\"20\" rowspan=\"2\">a</td><td "
            u"colspan=\"10\">b</td></tr><tr><td "
            "colspan=\"10\">c</td></tr><tr><td colspan=\"30\">d</td></tr></table>"_s;
+    QTest::newRow("long table") << u"<table>"_s
+            + (u"<tr>"_s + u"<td>x</td>"_s.repeated(5) + u"</tr>"_s).repeated(150) + u"</table>"_s;
     QTest::newRow("lists") << u"<ol start=\"3\"><li>a<ul><li>b</li></ul></li></ol>"_s;
     QTest::newRow("style")
         << u"<p style=\"font-size:14pt;color:#ff0000;margin-left:40px;\">x</p>"_s;
@@ -288,7 +290,7 @@ void AnnouncementPageTest::aPageRightAtABoundIsHtml_data()
         "columns", [](int count) { return u"<table><tr>"_s + u"<td>x"_s.repeated(count); },
         Page::mostColumns);
     rows(
-        "cells", [](int count) { return u"<table>"_s + u"<tr><td>x"_s.repeated(count); },
+        "cells", [](int count) { return u"<table><tr><td>x"_s + u"<tr>"_s.repeated(count - 1); },
         Page::mostCells);
     rows(
         "span", [](int count) { return u"<table><tr><td colspan=%1>x"_s.arg(count); },
