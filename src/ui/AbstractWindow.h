@@ -33,8 +33,7 @@ public:
     /// front. A place outside every screen is shown on the nearest one.
     void restoreShowAndActivate();
 
-    /// Has the desktop keep this window in front of \a owner from its next showing on. What is
-    /// refused here is shown in \a owner, too: it works on what that window shows.
+    /// Has the desktop keep this window in front of \a owner from its next showing on.
     void belongTo(QWidget &owner);
 
     void setVisible(bool visible) override;

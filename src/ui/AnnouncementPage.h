@@ -13,9 +13,10 @@ public:
     /// What a page may hold at most.
     static constexpr qsizetype longestPage = 64 * 1024; ///< Characters.
     static constexpr int longestWord = 200; ///< Characters between two places to break a line.
+    static constexpr int longestPreformattedLine = 500; ///< Characters; no blank breaks it.
     static constexpr int mostElements = 1000;
-    static constexpr int mostCells = 400; ///< Of all tables together, each as often as it spans.
-    static constexpr int mostColumns = 30; ///< Of one row, spans included.
+    static constexpr int mostCells = 800; ///< Of all tables together, as wide as their widest rows.
+    static constexpr int mostColumns = 30; ///< Of one row, spans and what reaches down included.
     static constexpr int deepestNesting = 16;
     static constexpr int deepestTables = 2;
     static constexpr int deepestIndentation = 6; ///< Lists and quotations within each other.
@@ -33,7 +34,8 @@ public:
     /// The page in markup that is balanced, refers to no picture, style sheet or other file, and
     /// stays within the bounds; nothing when the page exceeds one or holds "data:" in an address.
     std::optional<QString> html() const { return m_html; }
-    /// The page's source, cut and its words broken so that it stays within the bounds.
+    /// The page's source with line feeds for all its line breaks, cut and its words broken so that
+    /// it stays within the bounds.
     QString plainText() const;
 
 private:

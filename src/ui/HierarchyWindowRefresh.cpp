@@ -18,12 +18,6 @@ namespace
 constexpr int editorPage = 0;
 constexpr int panelPage = 1;
 
-/// Excerpts come without line feeds, but texts of other programs hold Unicode's own line breaks.
-QString inOneLine(QString text)
-{
-    return text.replace(QChar::LineSeparator, u' ').replace(QChar::ParagraphSeparator, u' ');
-}
-
 /// Tool tips guess whether they are rich text; a path never is.
 QString plainToolTip(const QString &text)
 {
@@ -75,7 +69,7 @@ void HierarchyWindow::showPage()
         m_stack->setCurrentIndex(panelPage);
         return;
     }
-    setWindowTitle(u"Brindle ("_s + inOneLine(m_model->getRootExcerpt()) + u')');
+    setWindowTitle(u"Brindle ("_s + m_model->getRootExcerpt() + u')');
     m_stack->setCurrentIndex(editorPage);
     m_editor->setFocus();
 }
@@ -83,7 +77,7 @@ void HierarchyWindow::showPage()
 void HierarchyWindow::showParent()
 {
     const QString body = m_model->getParentBody();
-    m_parentLabel->setText(inOneLine(body));
+    m_parentLabel->setText(body);
     m_parentShortcutKeyLabel->setText(m_model->getParentShortcutKeyText());
     showState(m_parentStateBar, m_model->getParentState());
     for (QWidget *widget : {m_parentStateBar, static_cast<QWidget *>(m_parentLabel),
@@ -94,9 +88,9 @@ void HierarchyWindow::showParent()
 void HierarchyWindow::showNeighbours()
 {
     showState(m_precedingStateBar, m_model->getPrecedingSiblingEntryState());
-    m_precedingLabel->setText(inOneLine(m_model->getPrecedingSiblingEntryBody()));
+    m_precedingLabel->setText(m_model->getPrecedingSiblingEntryBody());
     showState(m_followingStateBar, m_model->getFollowingSiblingEntryState());
-    m_followingLabel->setText(inOneLine(m_model->getFollowingSiblingEntryBody()));
+    m_followingLabel->setText(m_model->getFollowingSiblingEntryBody());
 }
 
 void HierarchyWindow::showCurrentEntry()

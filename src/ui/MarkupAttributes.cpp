@@ -14,44 +14,49 @@ namespace
 {
 constexpr int largestFont = 99;
 
-bool matches(const QString &pattern, const QString &text)
+using Patterns = QHash<QString, QRegularExpression>;
+
+/// What the whole of a value must be.
+QRegularExpression whole(const QString &pattern)
 {
-    // The page chooses the text, never the pattern: there are only those of the tables below.
-    static QHash<QString, QRegularExpression> expressions;
-    QRegularExpression &expression = expressions[pattern];
-    if (expression.pattern().isEmpty())
-        expression.setPattern(QRegularExpression::anchoredPattern(pattern));
-    return expression.match(text).hasMatch();
+    return QRegularExpression(QRegularExpression::anchoredPattern(pattern));
 }
 
-const QHash<QString, QString> &attributePatterns()
+bool matches(const Patterns &patterns, const QString &name, const QString &value)
 {
-    static const QString color = u"#[0-9a-fA-F]{3,8}|[a-zA-Z]{1,30}"_s;
-    static const QString word = u"[a-zA-Z0-9]{1,10}"_s;
-    static const QString twoDigits = u"[0-9]{1,2}"_s;
-    static const QHash<QString, QString> patterns{{u"color"_s, color},
-                                                  {u"bgcolor"_s, color},
-                                                  {u"align"_s, word},
-                                                  {u"valign"_s, word},
-                                                  {u"dir"_s, word},
-                                                  {u"type"_s, word},
-                                                  {u"border"_s, twoDigits},
-                                                  {u"cellpadding"_s, twoDigits},
-                                                  {u"cellspacing"_s, twoDigits},
-                                                  {u"colspan"_s, twoDigits},
-                                                  {u"rowspan"_s, twoDigits},
-                                                  {u"start"_s, u"[0-9]{1,4}"_s},
-                                                  {u"size"_s, u"[+-]?[1-7]"_s},
-                                                  {u"width"_s, u"[0-9]{1,4}|(100|[0-9]{1,2})%"_s}};
+    const auto pattern = patterns.constFind(name);
+    return pattern != patterns.constEnd() && pattern->match(value).hasMatch();
+}
+
+const Patterns &attributePatterns()
+{
+    static const QRegularExpression color = whole(u"#[0-9a-fA-F]{3,8}|[a-zA-Z]{1,30}"_s);
+    static const QRegularExpression word = whole(u"[a-zA-Z0-9]{1,10}"_s);
+    static const QRegularExpression twoDigits = whole(u"[0-9]{1,2}"_s);
+    static const Patterns patterns{{u"color"_s, color},
+                                   {u"bgcolor"_s, color},
+                                   {u"align"_s, word},
+                                   {u"valign"_s, word},
+                                   {u"dir"_s, word},
+                                   {u"type"_s, word},
+                                   {u"border"_s, twoDigits},
+                                   {u"cellpadding"_s, twoDigits},
+                                   {u"cellspacing"_s, twoDigits},
+                                   {u"colspan"_s, twoDigits},
+                                   {u"rowspan"_s, twoDigits},
+                                   {u"start"_s, whole(u"[0-9]{1,4}"_s)},
+                                   {u"size"_s, whole(u"[+-]?[1-7]"_s)},
+                                   {u"width"_s, whole(u"[0-9]{1,4}|(100|[0-9]{1,2})%"_s)}};
     return patterns;
 }
 
-const QHash<QString, QString> &stylePatterns()
+const Patterns &stylePatterns()
 {
-    static const QString color = u"#[0-9a-f]{3,8}|[a-z]{1,30}|rgb\\([0-9, ]{5,15}\\)"_s;
-    static const QString words = u"[a-z0-9 -]{1,30}"_s;
-    static const QString pixels = u"[0-9]{1,2}(px)?"_s;
-    static const QHash<QString, QString> patterns{
+    static const QRegularExpression color
+        = whole(u"#[0-9a-f]{3,8}|[a-z]{1,30}|rgb\\([0-9, ]{5,15}\\)"_s);
+    static const QRegularExpression words = whole(u"[a-z0-9 -]{1,30}"_s);
+    static const QRegularExpression pixels = whole(u"[0-9]{1,2}(px)?"_s);
+    static const Patterns patterns{
         {u"color"_s, color},
         {u"background-color"_s, color},
         {u"font-weight"_s, words},
@@ -63,8 +68,8 @@ const QHash<QString, QString> &stylePatterns()
         {u"margin-top"_s, pixels},
         {u"margin-bottom"_s, pixels},
         {u"padding"_s, pixels},
-        {u"font-family"_s, u"[a-z ,-]{1,60}"_s},
-        {u"font-size"_s, u"[0-9]{1,2}(px|pt)|[1-3]?[0-9]{1,2}%|[a-z-]{1,10}"_s}};
+        {u"font-family"_s, whole(u"[a-z ,-]{1,60}"_s)},
+        {u"font-size"_s, whole(u"[0-9]{1,2}(px|pt)|[1-3]?[0-9]{1,2}%|[a-z-]{1,10}"_s)}};
     return patterns;
 }
 
@@ -119,6 +124,14 @@ bool holdsSmallNumbers(const QString &name, QString value)
     return true;
 }
 
+/// Whether numbers in the attribute called \a name could reach the layout.
+bool isMeasure(const QString &name)
+{
+    static const QSet<QString> neverWritten{u"height"_s, u"hspace"_s, u"vspace"_s};
+    const bool isColor = name.endsWith("color"_L1);
+    return neverWritten.contains(name) || (attributePatterns().contains(name) && !isColor);
+}
+
 QString withoutSpace(const QString &text)
 {
     QString result;
@@ -143,8 +156,7 @@ QString writtenStyle(const QString &value)
 {
     QString style;
     for (const auto &[name, content] : declarations(value)) {
-        const QString pattern = stylePatterns().value(name);
-        if (!pattern.isEmpty() && matches(pattern, content))
+        if (matches(stylePatterns(), name, content))
             style += name + u':' + content + u';';
     }
     return style;
@@ -187,9 +199,6 @@ QString MarkupAttributes::decoded(const QString &text)
 
 bool MarkupAttributes::isWithinBounds(const MarkupReader::Attribute &attribute)
 {
-    static const QSet<QString> words{u"href"_s,    u"src"_s,  u"background"_s, u"alt"_s,
-                                     u"title"_s,   u"id"_s,   u"name"_s,       u"class"_s,
-                                     u"content"_s, u"face"_s, u"color"_s,      u"bgcolor"_s};
     const QString value = decoded(attribute.value);
     if (withoutSpace(value).startsWith("data:"_L1))
         return false;
@@ -202,7 +211,7 @@ bool MarkupAttributes::isWithinBounds(const MarkupReader::Attribute &attribute)
         }
         return true;
     }
-    return words.contains(attribute.name) || holdsSmallNumbers(attribute.name, value);
+    return !isMeasure(attribute.name) || holdsSmallNumbers(attribute.name, value);
 }
 
 QString MarkupAttributes::written(const QString &element, const MarkupReader::Attribute &attribute)
@@ -216,10 +225,8 @@ QString MarkupAttributes::written(const QString &element, const MarkupReader::At
             kept = escaped(value);
     } else if (attribute.name == "style"_L1) {
         kept = writtenStyle(value);
-    } else {
-        const QString pattern = attributePatterns().value(attribute.name);
-        if (!pattern.isEmpty() && matches(pattern, value))
-            kept = value;
+    } else if (matches(attributePatterns(), attribute.name, value)) {
+        kept = value;
     }
     return kept.isEmpty() ? QString() : u' ' + attribute.name + u"=\""_s + kept + u'"';
 }

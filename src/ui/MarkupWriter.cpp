@@ -4,7 +4,6 @@
 #include "ui/AnnouncementPage.h"
 #include "ui/MarkupAttributes.h"
 
-#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 #include <algorithm>
@@ -17,8 +16,11 @@ const QStringList tables{u"table"_s};
 const QStringList rowHolders{u"table"_s, u"thead"_s, u"tbody"_s, u"tfoot"_s};
 const QStringList rowGroups{u"thead"_s, u"tbody"_s, u"tfoot"_s};
 const QStringList cells{u"td"_s, u"th"_s};
+const QStringList captions{u"caption"_s};
+const QStringList textHoldersOfTables = cells + captions;
 const QStringList lists{u"ul"_s, u"ol"_s};
 const QStringList indented{u"ul"_s, u"ol"_s, u"dl"_s, u"blockquote"_s};
+const QStringList preformatted{u"pre"_s};
 const QStringList withoutContent{u"br"_s, u"hr"_s};
 
 bool isInline(const QString &element)
@@ -35,7 +37,8 @@ bool isBlock(const QString &element)
     static const QSet<QString> known{
         u"p"_s,   u"div"_s,     u"center"_s, u"h1"_s, u"h2"_s, u"h3"_s, u"h4"_s, u"h5"_s, u"h6"_s,
         u"pre"_s, u"address"_s, u"hr"_s,     u"li"_s, u"dt"_s, u"dd"_s, u"tr"_s, u"td"_s, u"th"_s};
-    return known.contains(element) || indented.contains(element) || rowHolders.contains(element);
+    return known.contains(element) || indented.contains(element) || rowHolders.contains(element)
+        || captions.contains(element);
 }
 
 /// Characters that the toolkit's documents keep for themselves, and those that stand for nothing.
@@ -48,6 +51,12 @@ bool isForText(char32_t character)
         && !QChar::isSurrogate(character) && !QChar::isNonCharacter(character);
 }
 
+/// The toolkit knows no captions: text in a table, but in none of its cells, upsets its layout.
+QString writtenName(const QString &element)
+{
+    return captions.contains(element) ? u"div"_s : element;
+}
+
 int spanOf(const QList<MarkupReader::Attribute> &attributes, QLatin1StringView name)
 {
     for (const MarkupReader::Attribute &attribute : attributes) {
@@ -57,6 +66,28 @@ int spanOf(const QList<MarkupReader::Attribute> &attributes, QLatin1StringView n
     return 1;
 }
 } // namespace
+
+void MarkupWriter::Grid::beginRow()
+{
+    ++m_rows;
+    m_width = 0;
+    m_spans.removeIf([this](const Span &span) { return span.lastRow < m_rows; });
+    for (const Span &span : m_spans)
+        m_width += span.columns;
+}
+
+void MarkupWriter::Grid::addCell(int columns, int rows)
+{
+    if (rows > 1)
+        m_spans << Span{columns, m_rows + rows - 1};
+    m_width += columns;
+    m_widest = std::max(m_widest, m_width);
+}
+
+int MarkupWriter::Grid::cells() const
+{
+    return m_rows * m_widest;
+}
 
 bool MarkupWriter::add(const MarkupReader::Token &token)
 {
@@ -82,13 +113,11 @@ QString MarkupWriter::finish()
 bool MarkupWriter::addText(const QString &text)
 {
     static const QRegularExpression reference(u"&[a-zA-Z][a-zA-Z0-9]{1,9};"_s);
-    m_lines += static_cast<int>(text.count(u'\n'));
     for (const QChar character : text) {
         if (character == u'&' || character == u'<' || character == u'>')
             ++m_references;
     }
-    if (m_references > AnnouncementPage::mostCharacterReferences
-        || m_lines > AnnouncementPage::mostLines)
+    if (m_references > AnnouncementPage::mostCharacterReferences)
         return false;
     const QString decoded = MarkupAttributes::decoded(text);
     // Only blanks can stand between the rows of a table without upsetting its layout.
@@ -102,7 +131,7 @@ bool MarkupWriter::addText(const QString &text)
                 = reference.match(decoded, position, QRegularExpression::NormalMatch,
                                   QRegularExpression::AnchorAtOffsetMatchOption);
             m_html += match.hasMatch() ? u"&"_s : u"&amp;"_s;
-            if (++m_wordLength > AnnouncementPage::longestWord)
+            if (!measure(character))
                 return false;
         } else if (!write(character)) {
             return false;
@@ -118,9 +147,7 @@ bool MarkupWriter::write(char32_t character)
         character = U'\n';
     if (!isForText(character))
         return true;
-    if (character == U' ' || character == U'\n' || character == U'\t')
-        m_wordLength = 0;
-    else if (++m_wordLength > AnnouncementPage::longestWord)
+    if (!measure(character))
         return false;
     if (character == U'<')
         m_html += u"&lt;"_s;
@@ -129,6 +156,28 @@ bool MarkupWriter::write(char32_t character)
     else
         m_html += QString::fromUcs4(&character, 1);
     return true;
+}
+
+/// Whether the lines, and what can't be broken into several, stay short with \a character.
+bool MarkupWriter::measure(char32_t character)
+{
+    constexpr int tabLength = 10;
+    if (character == U'\n') {
+        beginLine();
+        return ++m_lines <= AnnouncementPage::mostLines;
+    }
+    const bool isBlank = character == U' ' || character == U'\t';
+    m_wordLength = isBlank ? 0 : m_wordLength + 1;
+    if (openCount(preformatted) > 0)
+        m_preformattedLength += character == U'\t' ? tabLength : 1;
+    return m_wordLength <= AnnouncementPage::longestWord
+        && m_preformattedLength <= AnnouncementPage::longestPreformattedLine;
+}
+
+void MarkupWriter::beginLine()
+{
+    m_wordLength = 0;
+    m_preformattedLength = 0;
 }
 
 bool MarkupWriter::begin(const MarkupReader::Token &tag)
@@ -157,14 +206,14 @@ bool MarkupWriter::addPictureText(const MarkupReader::Token &tag)
 
 bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
 {
-    if (isAmongRows() && !cells.contains(tag.text) && !rowHolders.contains(tag.text)
+    if (isAmongRows() && !textHoldersOfTables.contains(tag.text) && !rowHolders.contains(tag.text)
         && tag.text != "tr"_L1)
         return false;
     if (++m_elements > AnnouncementPage::mostElements)
         return false;
-    if (cells.contains(tag.text) && !countCell(tag.attributes))
-        return false;
-    m_html += u'<' + tag.text;
+    if (captions.contains(tag.text))
+        beginCaption();
+    m_html += u'<' + writtenName(tag.text);
     QSet<QString> seen;
     for (const MarkupReader::Attribute &attribute : tag.attributes) {
         if (!seen.contains(attribute.name))
@@ -173,34 +222,50 @@ bool MarkupWriter::beginElement(const MarkupReader::Token &tag)
     }
     m_html += u'>';
     if (isBlock(tag.text) || tag.text == "br"_L1)
-        m_wordLength = 0;
+        beginLine();
     if (withoutContent.contains(tag.text))
         return true;
     m_open << tag.text;
     if (tag.text == "table"_L1)
-        m_columns << 0;
+        m_grids << Grid();
     else if (tag.text == "tr"_L1)
-        m_columns.last() = 0;
-    return m_open.size() <= AnnouncementPage::deepestNesting
+        m_grids.last().beginRow();
+    else if (cells.contains(tag.text))
+        m_grids.last().addCell(spanOf(tag.attributes, "colspan"_L1),
+                               spanOf(tag.attributes, "rowspan"_L1));
+    return areTablesWithinBounds() && m_open.size() <= AnnouncementPage::deepestNesting
         && openCount(tables) <= AnnouncementPage::deepestTables
         && openCount(indented) <= AnnouncementPage::deepestIndentation;
 }
 
-bool MarkupWriter::countCell(const QList<MarkupReader::Attribute> &attributes)
+/// What a caption says is written above its table, which hasn't a row yet.
+void MarkupWriter::beginCaption()
 {
-    const int columns = spanOf(attributes, "colspan"_L1);
-    m_columns.last() += columns;
-    m_cells += columns * spanOf(attributes, "rowspan"_L1);
-    return m_columns.last() <= AnnouncementPage::mostColumns
-        && m_cells <= AnnouncementPage::mostCells;
+    const qsizetype table = m_html.lastIndexOf("<table"_L1);
+    m_captioned << m_html.mid(table);
+    m_html.truncate(table);
+}
+
+bool MarkupWriter::areTablesWithinBounds() const
+{
+    int count = m_cells;
+    for (const Grid &grid : m_grids) {
+        if (grid.width() > AnnouncementPage::mostColumns)
+            return false;
+        count += grid.cells();
+    }
+    return count <= AnnouncementPage::mostCells;
 }
 
 void MarkupWriter::end(const QString &element)
 {
-    // An end tag reaches out of no cell, but for those of the table itself.
-    const bool isOfTable
-        = cells.contains(element) || rowHolders.contains(element) || element == "tr"_L1;
-    endNearest({element}, element == "table"_L1 ? QStringList() : isOfTable ? tables : cells);
+    // An end tag reaches out of no cell or caption, but for those of the table itself.
+    const bool isOfTable = textHoldersOfTables.contains(element) || rowHolders.contains(element)
+        || element == "tr"_L1;
+    endNearest({element},
+               element == "table"_L1 ? QStringList()
+                   : isOfTable       ? tables
+                                     : textHoldersOfTables);
 }
 
 /// Many end tags may be left out: the next element of the kind says that the last one is over.
@@ -208,6 +273,8 @@ void MarkupWriter::endWhatCannotHold(const QString &element)
 {
     if (isInline(element))
         return;
+    if (captions.contains(element) || element == "tr"_L1 || rowGroups.contains(element))
+        endNearest(captions, tables);
     if (cells.contains(element)) {
         endNearest(cells, tables);
     } else if (element == "tr"_L1) {
@@ -215,13 +282,14 @@ void MarkupWriter::endWhatCannotHold(const QString &element)
     } else if (rowGroups.contains(element)) {
         endNearest(rowGroups, tables);
         endNearest({u"tr"_s}, tables);
-    } else {
-        endNearest({u"p"_s}, cells + indented + QStringList{u"li"_s, u"dd"_s, u"div"_s});
+    } else if (!captions.contains(element)) {
+        endNearest({u"p"_s},
+                   textHoldersOfTables + indented + QStringList{u"li"_s, u"dd"_s, u"div"_s});
     }
     if (element == "li"_L1)
-        endNearest({u"li"_s}, lists + cells);
+        endNearest({u"li"_s}, lists + textHoldersOfTables);
     else if (element == "dt"_L1 || element == "dd"_L1)
-        endNearest({u"dt"_s, u"dd"_s}, QStringList{u"dl"_s} + cells);
+        endNearest({u"dt"_s, u"dd"_s}, QStringList{u"dl"_s} + textHoldersOfTables);
 }
 
 /// Ends the innermost open one of \a elements, with all that is inside, unless one of \a within
@@ -242,11 +310,13 @@ void MarkupWriter::endNearest(const QStringList &elements, const QStringList &wi
 void MarkupWriter::endLast()
 {
     const QString element = m_open.takeLast();
-    m_html += u"</"_s + element + u'>';
+    m_html += u"</"_s + writtenName(element) + u'>';
+    if (captions.contains(element))
+        m_html += m_captioned.takeLast();
     if (isBlock(element))
-        m_wordLength = 0;
+        beginLine();
     if (element == "table"_L1)
-        m_columns.removeLast();
+        m_cells += m_grids.takeLast().cells();
 }
 
 /// Rows and cells stand in tables only, items in lists; elsewhere their tags mean nothing.
@@ -255,6 +325,8 @@ bool MarkupWriter::mayStandHere(const QString &element) const
     const QString holder = m_open.isEmpty() ? QString() : m_open.last();
     if (cells.contains(element))
         return holder == "tr"_L1;
+    if (captions.contains(element))
+        return holder == "table"_L1 && !m_grids.last().hasRows();
     if (element == "tr"_L1)
         return rowHolders.contains(holder);
     if (rowGroups.contains(element))

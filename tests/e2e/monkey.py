@@ -11,14 +11,15 @@ the moments at which keys arrive. Findings:
   - after Return the editor's text is not in its file; after SIGKILL a file doesn't hold what was last saved
   - the settings don't name a file that nobody closed
 
-The first finding ends it with exit status 1; what was seen is kept in build/monkey.
+The first finding ends it with exit status 1; what was seen is kept in build/monkey, in
+a folder of its own.
 """
 
 import argparse
+import itertools
 import os
 import random
 import re
-import shutil
 import signal
 import sqlite3
 import subprocess
@@ -91,15 +92,27 @@ class Monkey:
     def _report(self, run, finding):
         what = f"SQLite says: {finding}" if isinstance(finding, sqlite3.Error) else str(finding)
         print(f"\nFINDING in run {self.runs}, seed {self._seed}: {what}\n", flush=True)
-        folder = os.path.join(EVIDENCE, f"seed-{self._seed}-run-{self.runs}")
+        folder = _new_folder(f"seed-{self._seed}-run-{self.runs}")
         evidence.keep(folder, self._desktop, self._home, [run.brindle])
         pressed = run.hands.pressed if run.hands else []
         with open(os.path.join(folder, "keys.txt"), "w", encoding="utf-8") as file:
             file.write("".join(f"{key}\n" for key in pressed))
         with open(os.path.join(folder, "finding.txt"), "w", encoding="utf-8") as file:
             file.write(f"{what}\n")
+        print(f"What was seen is kept in {folder}")
         print(f"The last of {len(pressed)} keys: {' '.join(pressed[-SHOWN_KEYS:])}")
         print("The log ends with:\n" + "".join(run.brindle.log().splitlines(keepends=True)[-15:]))
+
+
+def _new_folder(name):
+    """A folder for evidence beside that of earlier findings, which is kept."""
+    for number in itertools.count(1):
+        folder = os.path.join(EVIDENCE, name if number == 1 else f"{name}-{number}")
+        try:
+            os.makedirs(folder)
+            return folder
+        except FileExistsError:
+            continue
 
 
 class Run:
@@ -325,7 +338,6 @@ def main():
     os.environ.setdefault("UBSAN_OPTIONS", "print_stacktrace=1")
     # What talks to the desktop is kept until the process ends; leaks are looked for in the unit tests.
     os.environ.setdefault("ASAN_OPTIONS", "detect_leaks=0")
-    shutil.rmtree(EVIDENCE, ignore_errors=True)
     print(f"seed {arguments.seed}, {arguments.seconds} s, {arguments.program}", flush=True)
     with Desktop() as desktop:
         monkey = Monkey(desktop, arguments)

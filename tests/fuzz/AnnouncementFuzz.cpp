@@ -7,6 +7,8 @@
 #include <QApplication>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextFrame>
+#include <QTextTable>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -42,6 +44,29 @@ bool holdsPicture(const QTextDocument &document)
     return false;
 }
 
+/// Cells of all tables in \a frame, as they are laid out.
+int cellsIn(const QTextFrame &frame)
+{
+    int cells = 0;
+    for (const QTextFrame *child : frame.childFrames()) {
+        if (const auto *table = qobject_cast<const QTextTable *>(child)) {
+            require(table->columns() <= AnnouncementPage::mostColumns, "too many columns");
+            cells += table->rows() * table->columns();
+        }
+        cells += cellsIn(*child);
+    }
+    return cells;
+}
+
+int mostBlocks(bool isHtml)
+{
+    if (!isHtml)
+        return AnnouncementPage::mostPlainLines + 2; // What was cut is three dots on a line.
+    // Most elements stand in a block of their own, and what follows them in another.
+    return AnnouncementPage::mostLines + 2 * AnnouncementPage::mostElements
+        + AnnouncementPage::mostCells;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
@@ -61,6 +86,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     browser.resize(480, 300);
     browser.showPage(source);
     require(browser.document()->documentLayout()->documentSize().isValid(), "no layout");
+    require(browser.document()->blockCount() <= mostBlocks(page.html().has_value()),
+            "too many blocks");
+    require(cellsIn(*browser.document()->rootFrame()) <= AnnouncementPage::mostCells,
+            "too many cells");
     require(!holdsPicture(*browser.document()), "a picture");
     browser.grab();
     return 0;

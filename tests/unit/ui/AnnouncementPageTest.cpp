@@ -62,9 +62,18 @@ void AnnouncementPageTest::aPageWithinTheBoundsKeepsItsMarkup_data()
     QTest::newRow("link") << u"<a href=\"https://brindle.example/?a=b&amp;c=1234567\">link</a>"_s;
     QTest::newRow("table") << u"<table border=\"1\" cellpadding=\"3\" width=\"100%\"><tr><th "
                               u"colspan=\"2\">a</th></tr><tr><td>b</td><td>c</td></tr></table>"_s;
+    QTest::newRow("cells over several rows")
+        << u"<table><tr><td colspan=\"20\" rowspan=\"2\">a</td><td "
+           u"colspan=\"10\">b</td></tr><tr><td "
+           "colspan=\"10\">c</td></tr><tr><td colspan=\"30\">d</td></tr></table>"_s;
+    QTest::newRow("long table") << u"<table>"_s
+            + (u"<tr>"_s + u"<td>x</td>"_s.repeated(5) + u"</tr>"_s).repeated(150) + u"</table>"_s;
     QTest::newRow("lists") << u"<ol start=\"3\"><li>a<ul><li>b</li></ul></li></ol>"_s;
     QTest::newRow("style")
         << u"<p style=\"font-size:14pt;color:#ff0000;margin-left:40px;\">x</p>"_s;
+    QTest::newRow("preformatted") << u"<pre>"_s + (u"word "_s.repeated(90) + u'\n').repeated(9)
+            + (u"word "_s.repeated(90) + u"<br>"_s).repeated(9) + u"</pre>"_s
+            + u"word "_s.repeated(1000) + u"<pre>word</pre>"_s;
     QTest::newRow("entities") << u"a &amp; b &lt; c &eacute;&nbsp;d"_s;
 }
 
@@ -118,6 +127,25 @@ void AnnouncementPageTest::whatIsUnknownOrMeansNothingHereIsLeftOut_data()
         << u"<p style=\"background-image:url(x.png);color:red\">a</p>"_s
         << u"<p style=\"color:red;\">a</p>"_s;
     QTest::newRow("handler") << u"<p onclick=\"x()\">a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("handler with a number") << u"<p onclick=\"f(5000)\">a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("encoding") << u"<meta charset=\"iso-8859-1\">a"_s << u"a"_s;
+    QTest::newRow("date") << u"<time datetime=\"2026-11-21\">a</time>"_s << u"a"_s;
+    QTest::newRow("number of a script's own") << u"<p data-id=12345>a</p>"_s << u"<p>a</p>"_s;
+    QTest::newRow("caption")
+        << u"<table border=\"1\"><caption align=center>all <b>of</b> it</caption>"
+           "<tr><td>a</table>b"_s
+        << u"<div align=\"center\">all <b>of</b> it</div>"
+           "<table border=\"1\"><tr><td>a</td></tr></table>b"_s;
+    QTest::newRow("caption without end")
+        << u"<div><table><caption>a</div><p>b<tr><td>c</table>"_s
+        << u"<div><div>a<p>b</p></div><table><tr><td>c</td></tr></table></div>"_s;
+    QTest::newRow("captions within each other")
+        << u"<table><caption>a<table><caption>b</table>c<tbody><tr><td>d"_s
+        << u"<div>a<div>b</div><table></table>c</div>"
+           "<table><tbody><tr><td>d</td></tr></tbody></table>"_s;
+    QTest::newRow("two captions")
+        << u"<table><caption>a<caption>b<tr><td>c"_s
+        << u"<div>a</div><div>b</div><table><tr><td>c</td></tr></table>"_s;
     QTest::newRow("cell outside a table") << u"<td>a</td><li>b"_s << u"ab"_s;
     QTest::newRow("tag without end") << u"a <table border"_s << u"a &lt;table border"_s;
     QTest::newRow("no tag at all") << u"1 < 2 > <3"_s << u"1 &lt; 2 &gt; &lt;3"_s;
@@ -160,14 +188,44 @@ void AnnouncementPageTest::aPageBeyondABoundIsPlainText_data()
     row("many cells", u"<table>"_s + u"<tr><td>x<td>x"_s.repeated(1000));
     row("many columns", u"<table><tr>"_s + u"<td>x"_s.repeated(100));
     row("spans that add up", u"<table>"_s + u"<tr><td colspan=20 rowspan=15>x"_s.repeated(20));
+    row("a wide row above many empty ones",
+        u"<table><tr><td colspan=30>x"_s + u"<tr>"_s.repeated(990));
+    row("empty rows above a wide one",
+        u"<table>"_s + u"<tr>"_s.repeated(990) + u"<tr><td colspan=30>x"_s);
+    row("columns carried down by rows above",
+        u"<table><tr><td colspan=20 rowspan=5>x<tr><td colspan=30 rowspan=4>x"
+        "<tr><td colspan=30 rowspan=3>x<tr><td colspan=30 rowspan=2>x<tr><td colspan=30>x"_s);
+    row("many tables of empty rows",
+        (u"<table><tr><td colspan=30>x"_s + u"<tr>"_s.repeated(10) + u"</table>"_s).repeated(10));
+    row("a long preformatted line", u"<pre>"_s + u"word "_s.repeated(1000));
+    row("a long preformatted line in pieces",
+        u"<pre>"_s + u"<b>word <i> </i></b>&eacute; "_s.repeated(200));
+    row("a long preformatted line of tabulators", u"<pre>"_s + u"\t"_s.repeated(100));
+    row("a long preformatted line in a table",
+        u"<pre><table><tr><td>"_s + u"word "_s.repeated(200));
     row("many nested quotations", u"<blockquote>"_s.repeated(100));
     row("many nested lists", u"<ul><li>"_s.repeated(100));
     row("many nested divisions", u"<div>"_s.repeated(2000));
     row("many nested fonts", u"<font size=+1>"_s.repeated(2000));
     row("many lines", u"\n"_s.repeated(60'000));
+    row("many carriage returns", u"\r"_s.repeated(60'000));
+    row("many lines of carriage returns and line feeds", u"\r\n"_s.repeated(30'000));
+    row("many lines, many of them by references",
+        u"\n"_s.repeated(1500) + u"&#10;&#xD;"_s.repeated(400));
+    row("many pictures with lines for words",
+        (u"<img alt=\""_s + u"\r"_s.repeated(500) + u"\">"_s).repeated(20));
+    row("carriage returns in a page beyond the bounds",
+        u"<img width=1e9>"_s + u"a\r"_s.repeated(5000));
+    row("separators in a page beyond the bounds",
+        u"<img width=1e9>"_s + u"a\u2028b\u2029c\ufdd0d\ufdd1"_s.repeated(2000));
     row("many ampersands", u"& "_s.repeated(30'000));
     row("many references", u"&eacute; "_s.repeated(5000));
     row("text among the rows", u"<table>text<tr><td>a</table>"_s);
+    row("a caption below a row",
+        u"<table><tr><td>a</tr><caption>text</caption><tr><td>b</table>"_s);
+    row("many captions", u"<table><caption>a"_s.repeated(600));
+    row("a cell as high as a tower", u"<table><tr><td height=1000000>x"_s);
+    row("a picture's distance", u"<img hspace=1000000 vspace=1000000>"_s);
     row("wide", u"<table width=1000000><tr><td>x"_s);
     row("wide in other letters", u"<TABLE WIDTH=1000000><tr><td>x"_s);
     row("wide without blanks between", u"<hr/width=\"1000000\"/>"_s);
@@ -216,8 +274,14 @@ void AnnouncementPageTest::aPageRightAtABoundIsHtml_data()
         "characters", [](int count) { return u"a "_s.repeated(count).left(count); },
         Page::longestPage);
     rows("word", repeated(u"w"_s), Page::longestWord);
+    rows(
+        "preformatted line",
+        [](int count) { return u"<pre>"_s + u"a "_s.repeated(count).left(count); },
+        Page::longestPreformattedLine);
     rows("elements", repeated(u"<hr>"_s), Page::mostElements);
     rows("lines", repeated(u"\n"_s), Page::mostLines);
+    rows("lines of carriage returns", repeated(u"\r"_s), Page::mostLines);
+    rows("lines of both", repeated(u"\r\n"_s), Page::mostLines);
     rows("references", repeated(u"&eacute; "_s), Page::mostCharacterReferences);
     rows("nesting", repeated(u"<div>"_s), Page::deepestNesting);
     rows("indentation", repeated(u"<blockquote>"_s), Page::deepestIndentation);
@@ -226,7 +290,7 @@ void AnnouncementPageTest::aPageRightAtABoundIsHtml_data()
         "columns", [](int count) { return u"<table><tr>"_s + u"<td>x"_s.repeated(count); },
         Page::mostColumns);
     rows(
-        "cells", [](int count) { return u"<table>"_s + u"<tr><td>x"_s.repeated(count); },
+        "cells", [](int count) { return u"<table><tr><td>x"_s + u"<tr>"_s.repeated(count - 1); },
         Page::mostCells);
     rows(
         "span", [](int count) { return u"<table><tr><td colspan=%1>x"_s.arg(count); },
@@ -255,6 +319,8 @@ void AnnouncementPageTest::plainTextIsTheSource()
     QCOMPARE(AnnouncementPage(page).plainText(), page);
     const QString word(AnnouncementPage::longestWord, u'w');
     QCOMPARE(AnnouncementPage(word + word).plainText(), word + u'\n' + word);
+    QCOMPARE(AnnouncementPage(page + u"\r\na\rb\u2028c\u2029d\ufdd0e\ufdd1f"_s).plainText(),
+             page + u"\na\nb\nc\nd\ne\nf"_s);
     QVERIFY(AnnouncementPage(QString(100'000, u'w')).plainText().endsWith(u"w\n..."_s));
 }
 
