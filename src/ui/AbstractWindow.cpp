@@ -151,11 +151,21 @@ bool AbstractWindow::isFirstSettling() const
 // Once the window is hidden the toolkit no longer knows its frame.
 void AbstractWindow::setVisible(bool visible)
 {
-    if (!visible && isVisible())
+    if (!visible && isVisible()) {
         savePendingPlace();
+        untieFromOwner();
+    }
     if (visible)
         tieToOwner();
     QDialog::setVisible(visible);
+}
+
+// Between windows that are tied the toolkit passes the keyboard on past the window manager, which
+// then gives it to whom it sees fit when this one goes.
+void AbstractWindow::untieFromOwner()
+{
+    if (m_owner && windowHandle())
+        windowHandle()->setTransientParent(nullptr);
 }
 
 // Most window managers put a window that is clicked in front of all that aren't tied to it.

@@ -67,6 +67,7 @@ private:
     };
 
     void tieToOwner();
+    void untieFromOwner();
     void beginToSettle();
     void settle();
     void keepOnScreen();

@@ -362,6 +362,12 @@ void AbstractWindowTest::whoBelongsToAnotherWindowIsTiedToItOnceShown()
     list.belongTo(owner);
     list.restoreShowAndActivate();
     QCOMPARE(list.windowHandle()->transientParent(), owner.windowHandle());
+    // Whom the keyboard goes to when it hides is for the window manager to hear.
+    QWindow *parentWhileHiding = owner.windowHandle();
+    connect(&list, &AbstractWindow::hiding, &owner,
+            [&] { parentWhileHiding = list.windowHandle()->transientParent(); });
+    list.hide();
+    QVERIFY(!parentWhileHiding);
 }
 
 void AbstractWindowTest::hidingStoresNoPlaceWhenNothingHasMoved()
