@@ -46,6 +46,9 @@ private slots:
 
     void closeButtonClosesTheFile();
     void theParentsRowHoldsItsPartsSideBySide();
+    void theKeyboardComesBackToThePageAfterACancelledDialog_data();
+    void theKeyboardComesBackToThePageAfterACancelledDialog();
+    void aRefusedCommandTooGivesTheEditorTheKeyboard();
     void closeButtonIsRefusedWhenTheTextIs();
     void slotsAtTheWrongPlaceLogAndLeaveTheWindowUsable_data();
     void slotsAtTheWrongPlaceLogAndLeaveTheWindowUsable();
@@ -548,12 +551,49 @@ void HierarchyWindowTest::closeButtonClosesTheFile()
     desk.addFile(u"a.bdl"_s);
     desk.files.commitAndRestartTransactions();
     desk.show();
+    desk.window->setFocus();
     QTest::mouseClick(desk.child<QPushButton>("closeButton"), Qt::LeftButton);
     QCOMPARE(desk.files.getFileCount(), 0);
     QCOMPARE(desk.window->windowTitle(), u"Brindle"_s);
     QVERIFY(!desk.editor()->isVisible());
     // Out of sight the editor must not take keys.
-    QVERIFY(!desk.editor()->hasFocus());
+    QVERIFY(desk.window->findChild<QStackedWidget *>()->currentWidget()->hasFocus());
+}
+
+void HierarchyWindowTest::theKeyboardComesBackToThePageAfterACancelledDialog_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::newRow("create") << QByteArray("createButton");
+    QTest::newRow("open") << QByteArray("openButton");
+}
+
+void HierarchyWindowTest::theKeyboardComesBackToThePageAfterACancelledDialog()
+{
+    QFETCH(QByteArray, button);
+    UiDesk desk;
+    desk.show();
+    desk.window->setFocus();
+    QTimer cancel;
+    connect(&cancel, &QTimer::timeout, this, [] {
+        if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+            dialog->reject();
+    });
+    cancel.start(20);
+    QTest::mouseClick(desk.child<QPushButton>(button.constData()), Qt::LeftButton);
+    // As soon as the window has it again.
+    QCOMPARE(desk.window->focusWidget(),
+             desk.window->findChild<QStackedWidget *>()->currentWidget());
+}
+
+void HierarchyWindowTest::aRefusedCommandTooGivesTheEditorTheKeyboard()
+{
+    UiDesk desk;
+    desk.addFile(u"a.bdl"_s);
+    desk.show();
+    desk.window->setFocus();
+    desk.press(Qt::Key_H, Qt::ControlModifier); // a file's entry has no parent
+    QCOMPARE(desk.refusals->count(), 1);
+    QVERIFY(desk.editor()->hasFocus());
 }
 
 void HierarchyWindowTest::theParentsRowHoldsItsPartsSideBySide()
