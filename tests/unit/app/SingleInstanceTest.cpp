@@ -115,6 +115,7 @@ private slots:
     void whoDoesNotBecomeTheServerLeavesTheSettingsToOthers();
     void theOwnersLockIsFreeAgainAfterItsEnd();
     void aLockFileThatMayOnlyBeReadIsLockedAllTheSame();
+    void theFirstStartEverMakesTheFolderForTheLock();
 };
 
 void SingleInstanceTest::withoutAnotherCopyItBecomesTheServerWithoutAQuestion()
@@ -508,6 +509,13 @@ void SingleInstanceTest::aLockFileThatMayOnlyBeReadIsLockedAllTheSame()
     QCOMPARE(first.tryLock(), OwnerLock::Result::Held);
     OwnerLock second(path);
     QCOMPARE(second.tryLock(), OwnerLock::Result::HeldByAnother);
+}
+
+void SingleInstanceTest::theFirstStartEverMakesTheFolderForTheLock()
+{
+    const QTemporaryDir folder;
+    OwnerLock lock(folder.filePath(u"no settings yet/Brindle.running"_s));
+    QCOMPARE(lock.tryLock(), OwnerLock::Result::Held);
 }
 
 QTEST_MAIN(SingleInstanceTest)
