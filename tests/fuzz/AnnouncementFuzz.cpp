@@ -18,6 +18,9 @@ namespace
 
 void startToolkit()
 {
+    // Clang's engine has a main function of its own.
+    if (QCoreApplication::instance())
+        return;
     static int count = 1;
     static char name[] = "AnnouncementFuzz";
     static char *arguments[] = {name, nullptr};

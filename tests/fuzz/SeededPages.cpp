@@ -5,6 +5,7 @@
 // they are.
 #include "ui/AnnouncementPage.h"
 
+#include <QApplication>
 #include <QByteArray>
 #include <QByteArrayList>
 #include <QElapsedTimer>
@@ -143,6 +144,9 @@ qint64 feed(const QByteArray &page)
 
 int main(int argc, char **argv)
 {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Gone before the process ends: what the toolkit keeps would be taken for leaks.
+    const QApplication application(argc, argv);
     const int count = argc > 1 ? std::atoi(argv[1]) : 0;
     if (argc > 1 && count == 0) {
         for (int i = 1; i < argc; ++i) {
