@@ -82,6 +82,7 @@ private slots:
     void refusalReachesTheHook();
     void whoBelongsToAnotherWindowIsTiedToItOnceShown();
     void hidingStoresNoPlaceWhenNothingHasMoved();
+    void aShownWindowsPlaceIsWatchedForAWhileOnly();
     void refusalFlashesTheWholeWindow();
     void refusalIsShownWhereTheUserIsAndWhereTheReasonIs();
 };
@@ -383,6 +384,24 @@ void AbstractWindowTest::hidingStoresNoPlaceWhenNothingHasMoved()
     QSettings().setValue(u"SomeWindow/pos"_s, mark);
     window.setVisible(false);
     QCOMPARE(storedPos(), mark);
+}
+
+// Window managers that shift it are played by the end-to-end tests.
+void AbstractWindowTest::aShownWindowsPlaceIsWatchedForAWhileOnly()
+{
+    const TestSettings settings;
+    SomeWindow window;
+    const auto isWatched = [&window] {
+        const auto timers = window.findChildren<QTimer *>(Qt::FindDirectChildrenOnly);
+        return std::any_of(timers.begin(), timers.end(), [](const QTimer *timer) {
+            return timer->isActive() && !timer->isSingleShot();
+        });
+    };
+    QVERIFY(!isWatched());
+    window.restoreShowAndActivate();
+    QVERIFY(isWatched());
+    window.hide();
+    QTRY_VERIFY(!isWatched());
 }
 
 QTEST_MAIN(AbstractWindowTest)

@@ -119,6 +119,7 @@ void AnnouncementPageTest::whatIsUnknownOrMeansNothingHereIsLeftOut_data()
     QTest::newRow("style sheet without end") << u"a<style>p{}"_s << u"a"_s;
     QTest::newRow("title") << u"<html><head><title>t</title></head><body>a</body></html>"_s
                            << u"a"_s;
+    QTest::newRow("size of what is no font") << u"<hr size=7>a"_s << u"<hr>a"_s;
     QTest::newRow("unknown element") << u"<section>a</section>"_s << u"a"_s;
     QTest::newRow("picture") << u"<img src=\"http://x/y.png\" alt=\"a <b>\">"_s << u"a &lt;b&gt;"_s;
     QTest::newRow("background") << u"<table background=x.png><tr><td>a</table>"_s
