@@ -268,6 +268,8 @@ EntryAddress TodoListModel::getEntryAddressForIndex(const QModelIndex &index) co
 
 TodoListModel::Entry TodoListModel::entryAt(const QModelIndex &index) const
 {
+    if (!index.isValid())
+        return Entry();
     const EntryAddress address = getEntryAddressForIndex(index);
     return {m_fileManager->getFile(address.fileIndex), address.entryId};
 }
