@@ -113,6 +113,7 @@ void AnnouncementPageTest::whatIsUnknownOrMeansNothingHereIsLeftOut_data()
     QTest::addColumn<QString>("page");
     QTest::addColumn<QString>("html");
     QTest::newRow("comment") << u"a<!-- <table> -->b"_s << u"ab"_s;
+    QTest::newRow("comment that only seems to end") << u"a<!-->b"_s << u"a"_s;
     QTest::newRow("comment without end") << u"a<!-- <table>"_s << u"a"_s;
     QTest::newRow("declaration") << u"<!DOCTYPE html>a<?xml?>"_s << u"a"_s;
     QTest::newRow("style sheet") << u"<STYLE>p{margin:99999px}</style >a"_s << u"a"_s;
