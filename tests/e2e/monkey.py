@@ -128,6 +128,7 @@ class Run:
             "QT_MESSAGE_PATTERN": "%{time process} %{type} %{category}: %{message}"})
         self.hands = None
         self.saves = 0
+        self._keys_looked_at = 0
         self._saved = None  # what the files held after the last saving; None when that isn't known
         self._seen = 0  # how much of the log was looked at
 
@@ -229,6 +230,8 @@ class Run:
     def _look(self):
         """After each action: the log, and what was saved."""
         self._look_at_log()
+        keys = self.hands.pressed[self._keys_looked_at:]
+        self._keys_looked_at = len(self.hands.pressed)
         saves = self.brindle.log().count(SAVE_COMMAND)
         if saves == self.saves:
             return
@@ -242,8 +245,10 @@ class Run:
         self._settle()
         if self.brindle.log().count(SAVE_COMMAND) == self.saves:
             self._saved = self._contents()
-            # What comes after Return may still reach the editor, and is not saved then.
-            if self.hands.pressed[-1] in ("Return", "KP_Enter"):
+            # What comes after Return may still reach the editor, and is not saved then; and of two
+            # the first may be the one that saved.
+            returns = [key for key in keys if key.endswith(("Return", "KP_Enter"))]
+            if returns == keys[-1:]:
                 self._look_for_current_text()
 
     def _look_for_current_text(self):
