@@ -99,8 +99,10 @@ class DataFileDialogTest : public QObject
 private slots:
     void init();
     void cleanup();
+#ifdef Q_OS_LINUX // other systems don't tell which files are opened
     void dialogOpensNoneOfTheFilesThatItShows_data();
     void dialogOpensNoneOfTheFilesThatItShows();
+#endif
     void dialogKeepsTheLocksOfOpenFiles_data();
     void dialogKeepsTheLocksOfOpenFiles();
     void dialogMovesRenamesAndDeletesNothing_data();
@@ -145,6 +147,7 @@ void DataFileDialogTest::showDialog()
         m_files->loadFile(0);
 }
 
+#ifdef Q_OS_LINUX
 void DataFileDialogTest::dialogOpensNoneOfTheFilesThatItShows_data()
 {
     addDialogs();
@@ -152,7 +155,6 @@ void DataFileDialogTest::dialogOpensNoneOfTheFilesThatItShows_data()
 
 void DataFileDialogTest::dialogOpensNoneOfTheFilesThatItShows()
 {
-#ifdef Q_OS_LINUX
     FileUser user({QString()});
     const QStringList fileNames
         = {u"work.bdl"_s, u"notes.db"_s, u"plain"_s, u"a.txt"_s, u"picture.png"_s, u"b.desktop"_s};
@@ -173,10 +175,8 @@ void DataFileDialogTest::dialogOpensNoneOfTheFilesThatItShows()
     QFile opened(user.home(u"plain"_s));
     QVERIFY(opened.open(QFile::ReadOnly));
     QCOMPARE(watch.names(), QStringList{u"plain"_s});
-#else
-    QSKIP("this system doesn't tell which files are opened");
-#endif
 }
+#endif
 
 void DataFileDialogTest::dialogKeepsTheLocksOfOpenFiles_data()
 {
